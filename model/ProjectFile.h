@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QDomDocument>
+#include <QDomElement>
+#include <QString>
+
+class CWidget;
+class ConfigDocument;
+class Database;
+class HeaderChoices;
+class Reporter;
+
+// Reading and writing ".rpproj" project files.
+namespace ProjectFile {
+constexpr int MaxNestingDepth = 10000; // a run nests one level per fixture; deeper files are refused
+
+// The path with ".rpproj" appended unless it already ends so (case-sensitive).
+QString withExtension(const QString& path);
+// Maps an old fixture name to its present one; other names come back unchanged.
+QString mapLegacyFixtureName(const QString& name);
+
+// Builds the whole document: the "Runplan" root with the header attributes and the "CFrame".
+QDomDocument buildDocument(const ConfigDocument& doc, const HeaderChoices& header);
+QByteArray toBytes(const ConfigDocument& doc, const HeaderChoices& header);
+
+// Writes the project atomically: a failed save leaves any previous file as it was. Reports
+// "Save Error" messages and status lines through the reporter; on success the status line is
+// "Configuration saved" and the document's modified flag is cleared. savedPath receives the path
+// with its extension.
+bool save(const QString& path, ConfigDocument& doc, const HeaderChoices& header, Reporter* reporter,
+          QString* savedPath = nullptr);
+
+// Reads a project into the header choices and the document. False (with "Open Error") only when
+// the file cannot be read; a file refused as nested too deeply reports a status line.
+bool open(const QString& path, ConfigDocument& doc, HeaderChoices& header, Reporter* reporter);
+// Reads from bytes already in memory (the same rules as open).
+void read(const QByteArray& bytes, ConfigDocument& doc, HeaderChoices& header, Reporter* reporter);
+
+QDomElement saveFrame(QDomDocument& dom, const ConfigDocument& doc);
+bool loadFrame(const QDomElement& element, ConfigDocument& doc, QString* error);
+bool readComponent(const QDomElement& element, const Database* db, CWidget** out);
+} // namespace ProjectFile
