@@ -1,0 +1,83 @@
+#pragma once
+
+#include <QAbstractItemView>
+#include <QMap>
+#include <functional>
+
+class CWidget;
+class ConfigDocument;
+class QPrinter;
+class QPainter;
+
+// The canvas: draws one configuration as a tree of boxes joined by connectors, and is the view
+// through which the user selects and deletes components. A view over a ConfigDocument.
+class CFrame : public QAbstractItemView
+{
+    Q_OBJECT
+public:
+    explicit CFrame(QWidget* parent = nullptr);
+    ~CFrame() override;
+
+    // Shows the document: its model and selection model become the view's.
+    void setDocument(ConfigDocument* doc);
+    ConfigDocument* document() const { return m_doc; }
+
+    double zoom() const { return m_zoom; }
+    bool isPrinting() const { return m_printing; }
+    QWidget* lineKey() const { return m_lineKey; }
+
+    // Unscaled item rectangle of a component (before zoom, after scrolling).
+    QRect itemRectOf(const CWidget* w) const;
+    // Number of a component among those of its kind (ItemAny: all), depth first, from 0.
+    int numberOf(const CWidget* w, int kind) const;
+
+    // Deletes the current component with its subtree, asking first when it has children.
+    void deleteCurrent();
+    // Answers the "Delete multiple items" question; tests replace it. Default: a message box.
+    std::function<bool()> confirmDelete;
+
+    // Paints the whole tree scaled to one page of the printer.
+    void print(QPrinter* printer);
+    // Paints the tree with the canvas painter into any device (printing, tests).
+    void paintTree(QPainter& painter);
+
+    // QAbstractItemView
+    QRect visualRect(const QModelIndex& index) const override;
+    void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
+    QModelIndex indexAt(const QPoint& point) const override;
+
+signals:
+    void frameChanged();
+    void selectionChanged(const QModelIndex& index);
+    void deleteCurrentCWidget();
+
+public slots:
+    void updateFrame();
+    void resetFrame();
+    void handleParamChanged();
+    void handleLastLocation(const QString& location);
+    void handleZoomChanged(double value);
+    void handleLineKeyToggled(bool checked);
+
+protected:
+    QModelIndex moveCursor(CursorAction cursorAction, Qt::KeyboardModifiers modifiers) override;
+    int horizontalOffset() const override;
+    int verticalOffset() const override;
+    bool isIndexHidden(const QModelIndex& index) const override;
+    void setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) override;
+    QRegion visualRegionForSelection(const QItemSelection& selection) const override;
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void updateScrollRanges();
+
+    ConfigDocument* m_doc = nullptr;
+    double m_zoom = 1.0;
+    bool m_printing = false;
+    bool m_lineVoltageSeen = false;
+    QWidget* m_lineKey = nullptr;
+    class CFrameItemDelegate* m_delegate = nullptr;
+};
