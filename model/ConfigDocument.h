@@ -73,6 +73,10 @@ public:
     void setPassFlag(bool pass) { m_pass = pass; }
     const QSet<const CWidget*>& flagged() const { return m_flagged; }
     void setFlagged(const QSet<const CWidget*>& f) { m_flagged = f; }
+    // Components the canvas marks as over a limit: the flagged ones and the supplies and receivers
+    // whose Feedwise wiring exceeds its length.
+    const QSet<const CWidget*>& errorMarks() const { return m_errorMarks; }
+    void setErrorMarks(const QSet<const CWidget*>& m) { m_errorMarks = m; }
 
 signals:
     // The tree changed (insertion, deletion, reset): the analysis must run again.
@@ -94,4 +98,5 @@ private:
     QString m_lastLocation;
     bool m_pass = true;
     QSet<const CWidget*> m_flagged;
+    QSet<const CWidget*> m_errorMarks;
 };
