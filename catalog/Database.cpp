@@ -116,6 +116,14 @@ bool Database::loadFile(const QString& path, Reporter* reporter)
     }
     const QByteArray bytes = file.readAll();
     file.close();
+    return loadBytes(bytes, path, reporter);
+}
+
+bool Database::loadBytes(const QByteArray& bytes, const QString& path, Reporter* reporter)
+{
+    if (!reporter)
+        reporter = Reporter::global();
+    m_path = path;
 
     ParseProblem problem;
     QDomDocument doc;

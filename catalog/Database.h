@@ -30,6 +30,8 @@ public:
     bool load(const QString& fileName, Reporter* reporter = nullptr);
     // Loads a file by its own path; messages go to the reporter (the global one when null).
     bool loadFile(const QString& path, Reporter* reporter = nullptr);
+    // Loads catalog text already in memory; path only names it in messages.
+    bool loadBytes(const QByteArray& bytes, const QString& path, Reporter* reporter = nullptr);
 
     const QList<VxJumper*>& branchWires() const { return m_branchWires; }
     const QMap<QString, double>& locations() const { return m_locations; }
