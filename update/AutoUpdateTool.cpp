@@ -148,8 +148,7 @@ void AutoUpdateTool::parseVersionFile(const QByteArray& content)
         readApplication(root);
         return;
     }
-    if (root.tagName() != QLatin1String("Applications"))
-        return;
+    // Normally "Applications"; the root's name is not checked, only its "Application" children count.
     for (QDomElement app = root.firstChildElement(QStringLiteral("Application")); !app.isNull();
          app = app.nextSiblingElement(QStringLiteral("Application")))
         readApplication(app);

@@ -70,9 +70,10 @@ void LoadingDialog::showCentredOn(QWidget* window)
     else if (QScreen* screen = QGuiApplication::primaryScreen())
         area = screen->availableGeometry();
     if (area.isValid()) {
-        QRect frame = frameGeometry();
-        frame.moveCenter(area.center());
-        move(frame.topLeft());
+        // The frame is not known before the first show; centring the client area centres the frame too.
+        QRect client(QPoint(), size());
+        client.moveCenter(area.center());
+        setGeometry(client);
     }
     show();
 }
