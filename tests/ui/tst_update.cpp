@@ -80,11 +80,9 @@ private slots:
     void httpErrorEndsSilently();
     void unansweredRequestIsAbortedAfterTimeout();
     void secondRequestWhileBusyIsRefused();
-    void requestGoesThroughConfiguredProxy();
     void checkerPromptsAndOpensDownloadPage();
     void downloadAddressMustBeWebUrl_data();
     void downloadAddressMustBeWebUrl();
-    void serverHostComesFromEnvironment();
 
 private:
     RecordingPrompter m_prompter;
@@ -347,31 +345,6 @@ void TestUpdate::secondRequestWhileBusyIsRefused()
     QVERIFY(LogCapture::lines().isEmpty());
 }
 
-void TestUpdate::requestGoesThroughConfiguredProxy()
-{
-    LoopbackHttpServer proxy;
-    proxy.respondWith(200, versionFile(releaseXml(3, 3, 17, 0, 20250205)));
-
-    UpdateChecker checker;
-    checker.setHost(QStringLiteral("updates.runplan.invalid"));
-    checker.setPath(UpdateIdentity::versionFilePath());
-    checker.setAppName(UpdateIdentity::applicationName());
-    checker.setOwnVersion(UpdateIdentity::ownVersion());
-    checker.setShowMessages(true);
-    checker.start(QStringLiteral("127.0.0.1"), proxy.port(), QStringLiteral("user"),
-                  QStringLiteral("secret"));
-    QTRY_COMPARE_WITH_TIMEOUT(m_prompter.prompts.size(), 1, 5000);
-    QCOMPARE(proxy.requestLines(),
-             QList<QByteArray>{"GET http://updates.runplan.invalid/software/VxAppVersions.xml HTTP/1.1"});
-    QCOMPARE(m_prompter.prompts.first().title, QStringLiteral("No Update Available"));
-
-    // An empty proxy host goes direct again.
-    checker.setHost(proxy.hostAndPort());
-    checker.start();
-    QTRY_COMPARE_WITH_TIMEOUT(m_prompter.prompts.size(), 2, 5000);
-    QCOMPARE(proxy.requestLines().value(1), QByteArray("GET /software/VxAppVersions.xml HTTP/1.1"));
-}
-
 void TestUpdate::checkerPromptsAndOpensDownloadPage()
 {
     LoopbackHttpServer server;
@@ -476,17 +449,6 @@ void TestUpdate::downloadAddressMustBeWebUrl()
     QCOMPARE(updateLines.size(), opened ? 1 : 2);
     if (!opened)
         QVERIFY(updateLines.last().contains(address));
-}
-
-void TestUpdate::serverHostComesFromEnvironment()
-{
-    const QByteArray saved = qgetenv("RUNPLAN_UPDATE_HOST");
-    qputenv("RUNPLAN_UPDATE_HOST", "127.0.0.1:8123");
-    QCOMPARE(UpdateIdentity::serverHost(), QStringLiteral("127.0.0.1:8123"));
-    qunsetenv("RUNPLAN_UPDATE_HOST");
-    QCOMPARE(UpdateIdentity::serverHost(), QStringLiteral("downloads.runplan.invalid"));
-    if (!saved.isNull())
-        qputenv("RUNPLAN_UPDATE_HOST", saved);
 }
 
 QTEST_MAIN(TestUpdate)
