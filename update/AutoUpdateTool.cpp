@@ -100,6 +100,7 @@ void AutoUpdateTool::getVersionInfo()
     const QString address = QStringLiteral("http://%1%2").arg(m_host, m_path);
     qDebug().noquote() << QStringLiteral("AUT: requesting ") + address;
     m_reply = m_manager->get(QNetworkRequest(QUrl(address)));
+    // A request refused on the spot has already finished and cleared busy; nothing to time.
     if (m_busy)
         m_busyTimer.start(m_timeoutMs);
 }
