@@ -1,0 +1,101 @@
+#include "model/view/TableViewItemDelegate.h"
+
+#include "model/CWidget.h"
+#include "model/CWidgetModel.h"
+#include "model/view/ComboBoxPropertyEditor.h"
+
+#include <QLineEdit>
+#include <QSignalBlocker>
+#include <QSpinBox>
+
+TableViewItemDelegate::TableViewItemDelegate(QObject* parent) : QStyledItemDelegate(parent) {}
+
+const CWidget* TableViewItemDelegate::componentAt(const QModelIndex& index)
+{
+    const auto* model = qobject_cast<const CWidgetModel*>(index.model());
+    if (!model || !index.isValid())
+        return nullptr;
+    return model->widget(index);
+}
+
+void TableViewItemDelegate::commitAndClose(QWidget* editor)
+{
+    emit commitData(editor);
+    emit closeEditor(editor);
+}
+
+QWidget* TableViewItemDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& option,
+                                             const QModelIndex& index) const
+{
+    Q_UNUSED(option)
+    const CWidget* component = componentAt(index);
+    if (!component || index.column() == PropName)
+        return nullptr;
+    const EditorSpec spec = component->editorSpec(index.column());
+    QWidget* editor = nullptr;
+    switch (spec.kind) {
+    case EditorSpec::Combo: {
+        auto* combo = new ComboBoxPropertyEditor(parent);
+        // A choice commits at once, also where no focus change would tell the view.
+        auto* self = const_cast<TableViewItemDelegate*>(this);
+        connect(combo, &QComboBox::currentIndexChanged, self,
+                [self, combo]() { self->commitAndClose(combo); });
+        editor = combo;
+        break;
+    }
+    case EditorSpec::Spin: {
+        auto* spin = new QSpinBox(parent);
+        spin->setRange(spec.minimum, spec.maximum);
+        spin->setSuffix(spec.suffix.isEmpty() ? QStringLiteral(" ft") : spec.suffix);
+        editor = spin;
+        break;
+    }
+    case EditorSpec::ReadOnlyText: {
+        auto* line = new QLineEdit(parent);
+        line->setReadOnly(true);
+        editor = line;
+        break;
+    }
+    case EditorSpec::None:
+        return nullptr;
+    }
+    editor->installEventFilter(const_cast<TableViewItemDelegate*>(this));
+    editor->setFocusPolicy(Qt::StrongFocus);
+    return editor;
+}
+
+void TableViewItemDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const
+{
+    const CWidget* component = componentAt(index);
+    if (!component)
+        return;
+    const EditorSpec spec = component->editorSpec(index.column());
+    if (auto* combo = qobject_cast<QComboBox*>(editor)) {
+        // Filling the list is not a choice.
+        const QSignalBlocker block(combo);
+        combo->clear();
+        for (const QString& choice : spec.choices)
+            combo->addItem(QIcon(), choice);
+        combo->setCurrentIndex(spec.currentIndex);
+    } else if (auto* spin = qobject_cast<QSpinBox*>(editor)) {
+        spin->setRange(spec.minimum, spec.maximum);
+        if (!spec.suffix.isEmpty())
+            spin->setSuffix(spec.suffix);
+        spin->setValue(spec.value);
+    } else if (auto* line = qobject_cast<QLineEdit*>(editor)) {
+        line->setText(spec.text);
+    }
+}
+
+void TableViewItemDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,
+                                         const QModelIndex& index) const
+{
+    QVariant value;
+    if (auto* combo = qobject_cast<QComboBox*>(editor)) {
+        value = combo->currentText();
+    } else if (auto* spin = qobject_cast<QSpinBox*>(editor)) {
+        spin->interpretText();
+        value = spin->value();
+    }
+    model->setData(index, value, Qt::EditRole);
+}
