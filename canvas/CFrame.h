@@ -38,6 +38,10 @@ public:
 
     // Paints the whole tree scaled to one page of the printer.
     void print(QPrinter* printer);
+    // Size of the drawing that print() fits onto the page, unscaled.
+    QSize drawingExtent() const;
+    // The scale the last print() used.
+    double lastPrintScale() const { return m_lastPrintScale; }
     // Paints the tree with the canvas painter into any device (printing, tests).
     void paintTree(QPainter& painter);
 
@@ -70,14 +74,22 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
 
 private:
+    struct Layout;
+    Layout computeLayout(bool scrolled) const;
+    void paintComponent(QPainter& painter, const CWidget* w, const Layout& layout);
+    void paintConnector(QPainter& painter, const CWidget* parent, const CWidget* child, const Layout& layout);
+    void placeLineKey();
     void updateScrollRanges();
 
     ConfigDocument* m_doc = nullptr;
     double m_zoom = 1.0;
     bool m_printing = false;
     bool m_lineVoltageSeen = false;
+    double m_lastPrintScale = 0.0;
     QWidget* m_lineKey = nullptr;
     class CFrameItemDelegate* m_delegate = nullptr;
 };
