@@ -1,0 +1,115 @@
+// The splash screen and the about box.
+#include "app/AboutDialog.h"
+#include "app/SplashScreen.h"
+
+#include <QDate>
+#include <QLabel>
+#include <QPixmap>
+#include <QtTest>
+
+namespace
+{
+
+// Near-white pixels in a band of an image: the caption's letters on the dark picture.
+int whitePixels(const QImage& img, const QRect& band)
+{
+    int count = 0;
+    for (int y = qMax(0, band.top()); y <= qMin(img.height() - 1, band.bottom()); ++y)
+        for (int x = qMax(0, band.left()); x <= qMin(img.width() - 1, band.right()); ++x) {
+            const QRgb p = img.pixel(x, y);
+            if (qRed(p) > 200 && qGreen(p) > 200 && qBlue(p) > 200)
+                ++count;
+        }
+    return count;
+}
+
+} // namespace
+
+class TstSplashAbout : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase() { Q_INIT_RESOURCE(runplan); }
+    void captionLines();
+    void splashScreen();
+    void aboutBox();
+};
+
+void TstSplashAbout::captionLines()
+{
+    QCOMPARE(SplashScreen::versionLine(), QStringLiteral("Version: 3.17.0 20250205-2cbee83"));
+    const QString holder = SplashScreen::holderLine();
+    QVERIFY(holder.startsWith(QChar(0x00A9)));
+    QVERIFY2(holder.contains(QString::number(QDate::currentDate().year())), qPrintable(holder));
+    QCOMPARE(SplashScreen::captionFont().family(), QStringLiteral("Verdana"));
+    QCOMPARE(SplashScreen::captionFont().pointSize(), 8);
+}
+
+void TstSplashAbout::splashScreen()
+{
+    const QPixmap picture(QStringLiteral(":/splash.png"));
+    QVERIFY(!picture.isNull());
+    SplashScreen splash;
+    QCOMPARE(splash.pixmap().size(), picture.size());
+    QVERIFY(splash.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    splash.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&splash));
+
+    // The two caption lines are drawn in white near the bottom edge, over a picture that has no
+    // white there.
+    const QImage shown = splash.grab().toImage();
+    const QImage plain = picture.toImage();
+    const int h = shown.height();
+    const int w = shown.width();
+    const int m = QFontMetrics(SplashScreen::captionFont()).height();
+    const QRect holderBand(0, h - 20, w, m);
+    const QRect versionBand(0, h - 22 - m, w, m);
+    QCOMPARE(whitePixels(plain, holderBand), 0);
+    QCOMPARE(whitePixels(plain, versionBand), 0);
+    QVERIFY(whitePixels(shown, holderBand) > 20);
+    QVERIFY(whitePixels(shown, versionBand) > 20);
+    // Centred: as much white left of the middle as right of it, roughly.
+    const int left = whitePixels(shown, QRect(0, h - 22 - m, w / 2, 2 * m + 4));
+    const int right = whitePixels(shown, QRect(w / 2, h - 22 - m, w - w / 2, 2 * m + 4));
+    QVERIFY2(qAbs(left - right) < (left + right) / 3,
+             qPrintable(QStringLiteral("%1 %2").arg(left).arg(right)));
+
+    splash.killSplash();
+    QVERIFY(!splash.isVisible());
+}
+
+void TstSplashAbout::aboutBox()
+{
+    QWidget owner;
+    AboutDialog about(&owner);
+    const QSize pictureSize = QPixmap(QStringLiteral(":/splash.png")).size();
+    QCOMPARE(about.minimumSize(), pictureSize);
+    QCOMPARE(about.maximumSize(), pictureSize);
+    QVERIFY(about.windowFlags().testFlag(Qt::FramelessWindowHint));
+    QVERIFY(about.isModal());
+    QCOMPARE(about.styleSheet(), QStringLiteral("QDialog { background-image: url(:/splash.png); }"));
+    QCOMPARE(about.versionLabel()->text(), QStringLiteral("Version: 3.17.0 20250205-2cbee83"));
+    QVERIFY(about.holderLabel()->text().contains(QString::number(QDate::currentDate().year())));
+    QCOMPARE(about.versionLabel()->font().family(), QStringLiteral("Verdana"));
+    QCOMPARE(about.versionLabel()->palette().color(QPalette::WindowText), QColor(Qt::white));
+
+    // A click anywhere closes it, on the picture or on a caption; it can be shown again.
+    about.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&about));
+    QCOMPARE(about.size(), pictureSize);
+    QVERIFY(about.versionLabel()->geometry().bottom() < about.holderLabel()->geometry().top());
+    QVERIFY(about.holderLabel()->geometry().bottom() <= pictureSize.height() - 20);
+    QTest::mouseClick(&about, Qt::LeftButton, {}, QPoint(10, 10));
+    QVERIFY(!about.isVisible());
+    about.show();
+    QVERIFY(about.isVisible());
+    QTest::mouseClick(about.holderLabel(), Qt::RightButton, {}, QPoint(2, 2));
+    QVERIFY(!about.isVisible());
+    // Other events go on as usual.
+    about.show();
+    QTest::keyClick(&about, Qt::Key_A);
+    QVERIFY(about.isVisible());
+}
+
+QTEST_MAIN(TstSplashAbout)
+#include "tst_splashabout.moc"
