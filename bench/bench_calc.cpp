@@ -1,0 +1,206 @@
+// Timings of the calculation engine: the analysis of long runs and of trees of short runs, Maximize
+// of a 200-fixture run, and the all-fixtures export over the shipped catalog. Prints figures only;
+// it never fails on time.
+#include "calc/Analysis.h"
+#include "calc/CsvExport.h"
+#include "calc/Session.h"
+#include "catalog/Database.h"
+#include "catalog/Reporter.h"
+#include "model/CWidget.h"
+#include "model/ConfigDocument.h"
+
+#include <QBuffer>
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+
+namespace
+{
+
+// A fixture light enough that its count table (200) is the only limit a long run meets.
+const char* const kMaximizeCatalog = R"(<?xml version="1.0" encoding="UTF-8"?>
+<BenchCatalog>
+  <DBVersion>bench-1</DBVersion>
+  <SupplyOutputModeList><SupplyOutputMode><Name>Dynaline</Name><WireCount>3</WireCount></SupplyOutputMode></SupplyOutputModeList>
+  <PowerSupplyList>
+    <PowerSupply><Name>Bench Enabler</Name><Type>dynaline</Type><OutputModes><OutputMode>Dynaline</OutputMode></OutputModes>
+      <MaxElectricalLength>100000</MaxElectricalLength><MaxElectricalLengthPerRun>100000</MaxElectricalLengthPerRun>
+      <MaxNumFixtures>1000</MaxNumFixtures><Power>10</Power><PowerFactor>0.9</PowerFactor></PowerSupply>
+  </PowerSupplyList>
+  <FixtureList>
+    <Fixture><Name>Bench Dot</Name><Type>dynaline</Type><Family>2</Family>
+      <MaxTemp>40</MaxTemp><Resistance>1</Resistance><ElectricalLength>1</ElectricalLength><Power>0.5</Power><PowerFactor>0.9</PowerFactor>
+      <FudgeFactor>1</FudgeFactor><SafetyRequired>0</SafetyRequired><StartingVoltage>120</StartingVoltage>
+      <MaxVoltageDrop>50</MaxVoltageDrop>
+      <ValidSupplyList><Supply>Bench Enabler</Supply></ValidSupplyList>
+      <ValidVoltages><Voltage><Value>120</Value><VoltagePowerFactor>0.9</VoltagePowerFactor><VoltagePower>0.5</VoltagePower><VoltageMaxFixtureCount>200</VoltageMaxFixtureCount></Voltage></ValidVoltages>
+    </Fixture>
+  </FixtureList>
+</BenchCatalog>
+)";
+
+void flushDeletes()
+{
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+// Mean time of one call in microseconds, over batches until about 0.3 s have passed.
+double microsPerCall(const std::function<void()>& f, int batch)
+{
+    f(); // warm up
+    QElapsedTimer timer;
+    qint64 calls = 0;
+    timer.start();
+    while (timer.nsecsElapsed() < 300000000LL) {
+        for (int i = 0; i < batch; ++i)
+            f();
+        calls += batch;
+    }
+    return static_cast<double>(timer.nsecsElapsed()) / 1000.0 / static_cast<double>(calls);
+}
+
+// One run: the enabler, then fixture, jumper, fixture, ... until the canvas holds n components.
+void buildLongRun(Session& s, int n)
+{
+    s.resetWithFixture();
+    ConfigDocument& doc = s.document();
+    DLFixture* fixture = s.selectedFixture();
+    bool jumper = true;
+    while (doc.count(ItemAny) < n) {
+        if (jumper)
+            doc.addJumper(fixture);
+        else
+            doc.addFixture(fixture);
+        jumper = !jumper;
+    }
+}
+
+// A tree of short runs: junction boxes three outputs wide and as deep as needed, each box also
+// feeding three runs of fixture, jumper, fixture.
+void buildShortRuns(Session& s, int n)
+{
+    s.reset();
+    ConfigDocument& doc = s.document();
+    DLFixture* fixture = s.selectedFixture();
+    int total = 1;
+    QList<CWidget*> boxes{doc.addJunctionBox()};
+    total += 2;
+    for (int next = 0; next < boxes.size() && total < n; ++next) {
+        CWidget* box = boxes.at(next);
+        for (int run = 0; run < 3 && total < n; ++run) {
+            doc.setCurrent(box);
+            doc.addFixture(fixture);
+            ++total;
+            if (total < n) {
+                doc.addJumper(fixture);
+                ++total;
+            }
+            if (total < n) {
+                doc.addFixture(fixture);
+                ++total;
+            }
+        }
+        for (int sub = 0; sub < 3 && total + 2 <= n; ++sub) {
+            doc.setCurrent(box);
+            boxes.append(doc.addJunctionBox());
+            total += 2;
+        }
+    }
+}
+
+void benchAnalysis(Session& s, const char* shape, int n)
+{
+    if (qstrcmp(shape, "long run") == 0)
+        buildLongRun(s, n);
+    else
+        buildShortRuns(s, n);
+    const CWidget* root = s.document().root();
+    const CircuitInputs inputs = s.inputs();
+    const int components = s.document().count(ItemAny);
+    AnalysisResult last;
+    const double bare = microsPerCall([&]() { last = analyze(root, inputs, s.database()); }, 50);
+    const double session = microsPerCall([&]() { s.analyze(); }, 50);
+    std::printf("analysis, %-15s %5d components, %4d runs: %8.1f us (with inputs and storing: %8.1f us)\n",
+                shape, components, static_cast<int>(last.runs.size()), bare, session);
+}
+
+void benchMaximize()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("bench_catalog.xml"));
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return;
+    file.write(kMaximizeCatalog);
+    file.close();
+    Database db;
+    RecordingReporter messages;
+    if (!db.loadFile(path, &messages) || !messages.messages.isEmpty()) {
+        std::printf("maximize: the bench catalog did not load\n");
+        return;
+    }
+    Session s(db);
+    int fixtures = 0;
+    const double ms = microsPerCall(
+                          [&]() {
+                              s.reset();
+                              s.maximize();
+                              fixtures = s.fixtureCount();
+                              flushDeletes();
+                          },
+                          1) /
+                      1000.0;
+    std::printf("maximize from an empty enabler to %d fixtures: %8.2f ms\n", fixtures, ms);
+}
+
+void benchExport(const Database& db, bool show)
+{
+    Session s(db);
+    QByteArray csv;
+    int rows = 0;
+    const double ms = microsPerCall(
+                          [&]() {
+                              QBuffer buffer;
+                              buffer.open(QIODevice::WriteOnly);
+                              CsvExport::exportAllFixtures(buffer, s);
+                              csv = buffer.data();
+                              rows = static_cast<int>(csv.count('\n'));
+                              flushDeletes();
+                          },
+                          1) /
+                      1000.0;
+    std::printf("all-fixtures export over the shipped catalog (%d lines, %d bytes): %8.2f ms\n", rows,
+                static_cast<int>(csv.size()), ms);
+    if (show)
+        std::printf("%s", csv.constData());
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    RecordingReporter messages;
+    Database db;
+    if (!db.loadFile(QStringLiteral(RUNPLAN_SAMPLE_CATALOG), &messages) || db.supplies().isEmpty()) {
+        std::printf("the shipped catalog did not load: %s\n", RUNPLAN_SAMPLE_CATALOG);
+        return 1;
+    }
+
+    {
+        Session s(db);
+        for (int n : {100, 300, 1000}) {
+            benchAnalysis(s, "long run", n);
+            benchAnalysis(s, "short runs", n);
+            flushDeletes();
+        }
+    }
+    benchMaximize();
+    benchExport(db, app.arguments().contains(QStringLiteral("--csv"))); // --csv also prints the table
+    return 0;
+}
