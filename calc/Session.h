@@ -19,7 +19,8 @@ public:
     const AnalysisResult& result() const { return m_result; }
 
     CircuitInputs inputs() const;
-    // Runs the analysis, stores it into the document and returns its pass flag.
+    // Runs the analysis, stores it into the document, writes its output-log lines to the reporter
+    // (when there is one) and returns its pass flag.
     bool analyze();
     // Clears the canvas and places the selected enabler (the Reset button).
     void reset();
@@ -31,6 +32,7 @@ public:
     void selectFixture(const VxFixture* fixture) override;
     void selectLineVoltage(int volts) override;
     void resetWithFixture() override;
+    // Analyses first, so that Maximize starts from the pass flag of the present tree.
     void maximize() override;
     int fixtureCount() const override;
     double totalLength() const override { return m_result.totalLength; }
