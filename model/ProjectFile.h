@@ -11,7 +11,8 @@ class HeaderChoices;
 class Reporter;
 
 // Reading and writing ".rpproj" project files.
-namespace ProjectFile {
+namespace ProjectFile
+{
 constexpr int MaxNestingDepth = 10000; // a run nests one level per fixture; deeper files are refused
 
 // The path with ".rpproj" appended unless it already ends so (case-sensitive).
@@ -30,11 +31,13 @@ QByteArray toBytes(const ConfigDocument& doc, const HeaderChoices& header);
 bool save(const QString& path, ConfigDocument& doc, const HeaderChoices& header, Reporter* reporter,
           QString* savedPath = nullptr);
 
-// Reads a project into the header choices and the document. False (with "Open Error") only when
-// the file cannot be read; a file refused as nested too deeply reports a status line.
+// Reads a project into the header choices and the document. False when the file cannot be read
+// ("Open Error") or is refused as nested too deeply (a status line only); in both cases nothing
+// changes. Any other content is read as far as it goes, and the result is true.
 bool open(const QString& path, ConfigDocument& doc, HeaderChoices& header, Reporter* reporter);
-// Reads from bytes already in memory (the same rules as open).
-void read(const QByteArray& bytes, ConfigDocument& doc, HeaderChoices& header, Reporter* reporter);
+// Reads from bytes already in memory (the same rules as open); sourceName names them in messages.
+bool read(const QByteArray& bytes, ConfigDocument& doc, HeaderChoices& header, Reporter* reporter,
+          const QString& sourceName = QString());
 
 QDomElement saveFrame(QDomDocument& dom, const ConfigDocument& doc);
 bool loadFrame(const QDomElement& element, ConfigDocument& doc, QString* error);
