@@ -54,7 +54,6 @@ public:
     static QColor failingFieldColor() { return QColor(255, 128, 128); }
     static QColor clearedFieldColor() { return QColor(192, 192, 192); }
 
-    Ui::RunplanClass* form() const { return ui; }
     ConfigDocument* document() const { return m_doc; }
     CFrame* frame() const;
     CWidgetTableView* propertyTable() const;
