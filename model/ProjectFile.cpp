@@ -497,7 +497,9 @@ bool read(const QByteArray& bytes, ConfigDocument& doc, HeaderChoices& header, R
 
 bool loadFrame(const QDomElement& element, ConfigDocument& doc, QString* error)
 {
-    doc.reset();
+    // Emptied without announcing a change: the analysis should run once, on what was read.
+    doc.clear();
+    doc.setModified(true);
 
     const QDomNodeList frames = element.elementsByTagName(kFrameTag);
     if (frames.isEmpty()) {
