@@ -10,8 +10,8 @@ Session::Session(const Database& db, Reporter* reporter) : m_db(db), m_reporter(
 {
     // Start as the main window does: the first enabler, its first fixture, 120 V where offered.
     if (!db.supplies().isEmpty()) {
-        selectEnabler(db.supplies().first());
-        selectLineVoltage(120);
+        chooseEnabler(db.supplies().first());
+        chooseLineVoltage(120);
     }
 }
 
@@ -49,6 +49,21 @@ DLFixture* Session::selectedFixture() const
 
 void Session::selectEnabler(const DLPowerSupply* enabler)
 {
+    chooseEnabler(enabler);
+}
+
+void Session::selectFixture(const VxFixture* fixture)
+{
+    chooseFixture(fixture);
+}
+
+void Session::selectLineVoltage(int volts)
+{
+    chooseLineVoltage(volts);
+}
+
+void Session::chooseEnabler(const DLPowerSupply* enabler)
+{
     if (!enabler)
         return;
     m_header.supply = enabler->name;
@@ -57,13 +72,13 @@ void Session::selectEnabler(const DLPowerSupply* enabler)
                               ? m_db.controllers().firstKey()
                               : QString();
     if (!enabler->fixtures.isEmpty())
-        selectFixture(enabler->fixtures.first());
+        chooseFixture(enabler->fixtures.first());
     else
         m_header.fixture.clear();
     reset();
 }
 
-void Session::selectFixture(const VxFixture* fixture)
+void Session::chooseFixture(const VxFixture* fixture)
 {
     if (!fixture)
         return;
@@ -90,7 +105,7 @@ void Session::selectFixture(const VxFixture* fixture)
     m_header.lineVoltage = QString::number(volts.contains(starting) ? starting : volts.first());
 }
 
-void Session::selectLineVoltage(int volts)
+void Session::chooseLineVoltage(int volts)
 {
     const DLFixture* fixture = selectedFixture();
     if (!fixture || !fixture->validVoltages.contains(volts))

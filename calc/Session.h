@@ -43,6 +43,11 @@ public:
     int cancelAfterRows = -1; // tests: report a cancel after this many rows
 
 private:
+    // The selector changes themselves, also used while constructing.
+    void chooseEnabler(const DLPowerSupply* enabler);
+    void chooseFixture(const VxFixture* fixture);
+    void chooseLineVoltage(int volts);
+
     const Database& m_db;
     Reporter* m_reporter;
     ConfigDocument m_doc;
