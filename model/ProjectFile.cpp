@@ -203,26 +203,34 @@ QByteArray serialize(const QDomDocument& dom, const CWidget* root)
     return out.toUtf8();
 }
 
+// Why a file is refused before it is parsed into a document.
+enum class Refusal { None, TooDeep, TooWide };
+
 // QDomDocument frees its nodes recursively, so a file nested deep enough would overflow the stack
-// before a single component is read. The stream reader keeps its own element stack.
-bool nestedTooDeep(const QByteArray& bytes)
+// before a single component is read; the stream reader keeps its own element stack. And placing a
+// child by the child-order rule looks at its siblings, so a component with thousands of children
+// takes time that grows with their square.
+Refusal prescan(const QByteArray& bytes)
 {
     QXmlStreamReader xml(bytes);
-    int depth = 0;
+    QList<int> widgetChildren{0}; // per open element, how many "CWidget" elements it holds so far
     while (!xml.atEnd()) {
         switch (xml.readNext()) {
         case QXmlStreamReader::StartElement:
-            if (++depth > ProjectFile::MaxNestingDepth)
-                return true;
+            if (widgetChildren.size() > ProjectFile::MaxNestingDepth)
+                return Refusal::TooDeep;
+            if (xml.name() == kWidgetTag && ++widgetChildren.last() > ProjectFile::MaxChildren)
+                return Refusal::TooWide;
+            widgetChildren.append(0);
             break;
         case QXmlStreamReader::EndElement:
-            --depth;
+            widgetChildren.removeLast();
             break;
         default:
             break;
         }
     }
-    return false;
+    return Refusal::None;
 }
 
 // The first "CWidget" element below e in document order (not e itself), or a null element.
@@ -425,14 +433,13 @@ namespace
 bool readImpl(const QByteArray& bytes, const QString& source, ConfigDocument& doc, HeaderChoices& header,
               Reporter* reporter)
 {
-    if (nestedTooDeep(bytes)) {
-        const QString what =
-            source.isEmpty()
-                ? tr("Failed to open configuration: nested more than %1 levels").arg(MaxNestingDepth)
-                : tr("Failed to open configuration %1: nested more than %2 levels")
-                      .arg(source)
-                      .arg(MaxNestingDepth);
-        reporter->status(what);
+    const Refusal refusal = prescan(bytes);
+    if (refusal != Refusal::None) {
+        const QString reason = refusal == Refusal::TooDeep
+                                   ? tr("nested more than %1 levels").arg(MaxNestingDepth)
+                                   : tr("a component holds more than %1 others").arg(MaxChildren);
+        reporter->status(source.isEmpty() ? tr("Failed to open configuration: %1").arg(reason)
+                                          : tr("Failed to open configuration %1: %2").arg(source, reason));
         return false;
     }
 

@@ -14,6 +14,7 @@ class Reporter;
 namespace ProjectFile
 {
 constexpr int MaxNestingDepth = 10000; // a run nests one level per fixture; deeper files are refused
+constexpr int MaxChildren = 1000;      // components directly below one; a box takes six, more are refused
 
 // The path with ".rpproj" appended unless it already ends so (case-sensitive).
 QString withExtension(const QString& path);
@@ -32,8 +33,8 @@ bool save(const QString& path, ConfigDocument& doc, const HeaderChoices& header,
           QString* savedPath = nullptr);
 
 // Reads a project into the header choices and the document. False when the file cannot be read
-// ("Open Error") or is refused as nested too deeply (a status line only); in both cases nothing
-// changes. Any other content is read as far as it goes, and the result is true.
+// ("Open Error") or is refused as nested too deeply or too wide (a status line only); in these
+// cases nothing changes. Any other content is read as far as it goes, and the result is true.
 bool open(const QString& path, ConfigDocument& doc, HeaderChoices& header, Reporter* reporter);
 // Reads from bytes already in memory (the same rules as open); sourceName names them in messages.
 bool read(const QByteArray& bytes, ConfigDocument& doc, HeaderChoices& header, Reporter* reporter,

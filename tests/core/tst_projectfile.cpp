@@ -1041,6 +1041,30 @@ private slots:
         QCOMPARE(ProjectFile::toBytes(kept, keptHeader), keptBytes);
         QVERIFY(!kept.isModified());
 
+        // As many components below one as the limit allows open; one more is refused. Other
+        // elements do not count.
+        auto wide = [](int children) {
+            const QString leader = QStringLiteral("<CWidget CWidgetItemType=\"1\" type=\"Leader 3ft\" "
+                                                  "fixtureName=\"Stylebar Tunable Dynaline 4ft\"/>");
+            return project(QStringLiteral("<CWidget CWidgetItemType=\"0\" name=\"Enabler Duo\">"
+                                          "<CWidget CWidgetItemType=\"6\">%1%2</CWidget></CWidget>")
+                               .arg(leader.repeated(children), QStringLiteral("<note/>").repeated(5000)));
+        };
+        rec.clear();
+        ConfigDocument broad(&m_db);
+        QVERIFY(ProjectFile::read(wide(ProjectFile::MaxChildren), broad, header, &rec));
+        QCOMPARE(broad.count(ItemLeader), ProjectFile::MaxChildren);
+        QVERIFY(rec.statusLines.isEmpty());
+        const QString widePath = dir.filePath(QStringLiteral("wide.rpproj"));
+        QVERIFY(writeFile(widePath, wide(ProjectFile::MaxChildren + 1)));
+        QVERIFY(!ProjectFile::open(widePath, kept, keptHeader, &rec));
+        QVERIFY(rec.messages.isEmpty());
+        QCOMPARE(rec.statusLines,
+                 QStringList{QStringLiteral(
+                                 "Failed to open configuration %1: a component holds more than 1000 others")
+                                 .arg(widePath)});
+        QCOMPARE(ProjectFile::toBytes(kept, keptHeader), keptBytes);
+
         // Far deeper, and not even components: refused before any tree is built.
         rec.clear();
         QByteArray abyss = "<Runplan>";
