@@ -36,10 +36,13 @@ QWidget* TableViewItemDelegate::createEditor(QWidget* parent, const QStyleOption
     switch (spec.kind) {
     case EditorSpec::Combo: {
         auto* combo = new ComboBoxPropertyEditor(parent);
-        // A choice commits at once, also where no focus change would tell the view.
+        // A choice commits at once, also where closing the editor brings no focus change that
+        // would tell the view: the value goes to the view before the editor closes itself.
         auto* self = const_cast<TableViewItemDelegate*>(this);
+        disconnect(combo, &QComboBox::currentIndexChanged, combo, &QWidget::close);
         connect(combo, &QComboBox::currentIndexChanged, self,
                 [self, combo]() { self->commitAndClose(combo); });
+        connect(combo, &QComboBox::currentIndexChanged, combo, &QWidget::close);
         editor = combo;
         break;
     }

@@ -1,0 +1,275 @@
+// The program run from the command line as a separate process: unattended exports, their exit
+// status, --help, --version and --report.
+
+#include "TestSupport.h"
+#include "app/CommandLine.h"
+#include "calc/Session.h"
+#include "catalog/Database.h"
+#include "catalog/Reporter.h"
+#include "model/ProjectFile.h"
+
+#include <QBuffer>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace
+{
+struct Run {
+    int exitCode = -1;
+    bool crashed = false;
+    QByteArray out;
+    QByteArray err;
+};
+} // namespace
+
+class TestBatch : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void parsesTheCommandLine();
+    void helpAndVersion();
+    void maximizeAllMatchesTheEngine();
+    void selectionsChooseWhatIsExported();
+    void exportGivenLastWritesDataCsv();
+    void unwritableOutputFails();
+    void invalidCatalogFails();
+    void reportPrintsTheAnalysis();
+    void nothingToDoEndsAtOnce();
+
+private:
+    Run run(const QStringList& arguments, const QString& program = QString());
+    QByteArray engineExport(bool all, const QString& enabler = QString(), const QString& fixture = QString());
+    QByteArray readFile(const QString& path);
+
+    Database m_db;
+    QTemporaryDir* m_dir = nullptr;
+};
+
+void TestBatch::initTestCase()
+{
+    QVERIFY(m_db.loadFile(sampleCatalogPath()));
+    QVERIFY(QFile::exists(binDirPath() + "/runplan"));
+}
+
+void TestBatch::init()
+{
+    // The program takes every argument with a "-" for an option: keep the paths handed to it
+    // relative to a working folder whose own name has none.
+    m_dir = new QTemporaryDir(QDir::tempPath() + "/rpbatchXXXXXX");
+    QVERIFY(m_dir->isValid());
+}
+
+void TestBatch::cleanup()
+{
+    delete m_dir;
+    m_dir = nullptr;
+}
+
+Run TestBatch::run(const QStringList& arguments, const QString& program)
+{
+    QProcess process;
+    process.setWorkingDirectory(m_dir->path());
+    process.start(program.isEmpty() ? binDirPath() + "/runplan" : program, arguments);
+    Run result;
+    if (!process.waitForStarted() || !process.waitForFinished(240000)) {
+        process.kill();
+        process.waitForFinished();
+        result.crashed = true;
+        return result;
+    }
+    result.crashed = process.exitStatus() != QProcess::NormalExit;
+    result.exitCode = process.exitCode();
+    result.out = process.readAllStandardOutput();
+    result.err = process.readAllStandardError();
+    return result;
+}
+
+QByteArray TestBatch::engineExport(bool all, const QString& enabler, const QString& fixture)
+{
+    Session session(m_db);
+    if (!enabler.isEmpty())
+        session.selectEnabler(m_db.supplyNamed(enabler));
+    if (!fixture.isEmpty())
+        session.selectFixture(m_db.fixtureNamed(fixture));
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly | QIODevice::Text);
+    if (all)
+        CsvExport::exportAllFixtures(buffer, session);
+    else
+        CsvExport::exportCurrentFixture(buffer, session);
+    return buffer.data();
+}
+
+QByteArray TestBatch::readFile(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QByteArray();
+    return file.readAll();
+}
+
+void TestBatch::parsesTheCommandLine()
+{
+    CommandLineOptions o =
+        parseCommandLine({"-nw", "--fixture", "F", "-ps", "P", "-ml", "20", "--maximize-fixture", "out.csv",
+                          "--unknown-option", "first.rpproj", "second.rpproj"});
+    QVERIFY(o.unattended);
+    QVERIFY(o.maximizeFixture && !o.maximizeAll);
+    QCOMPARE(o.maximizeFixtureFile, QStringLiteral("out.csv"));
+    QCOMPARE(o.selections.size(), 3);
+    QCOMPARE(o.selections.at(0).kind, CommandLineOptions::Selection::Fixture);
+    QCOMPARE(o.selections.at(0).value, QStringLiteral("F"));
+    QCOMPARE(o.selections.at(1).kind, CommandLineOptions::Selection::PowerSupply);
+    QCOMPARE(o.selections.at(2).value, QStringLiteral("20"));
+    QCOMPARE(o.projectFile, QStringLiteral("second.rpproj"));
+
+    // Options stop at the first argument without a "-"; an export given last still counts, a
+    // selection given last does not.
+    o = parseCommandLine({"plan.rpproj", "-nw"});
+    QVERIFY(!o.unattended);
+    QCOMPARE(o.projectFile, QStringLiteral("-nw"));
+    o = parseCommandLine({"-nw", "-f"});
+    QVERIFY(o.selections.isEmpty());
+    QVERIFY(o.projectFile.isEmpty());
+    o = parseCommandLine({"-nw", "--maximize-all"});
+    QVERIFY(o.maximizeAll);
+    QVERIFY(o.maximizeAllFile.isEmpty());
+    // Names are compared exactly.
+    o = parseCommandLine({"-NW", "--Maximize-all", "x"});
+    QVERIFY(!o.unattended && !o.maximizeAll);
+    QCOMPARE(o.projectFile, QStringLiteral("x"));
+}
+
+void TestBatch::helpAndVersion()
+{
+    Run r = run({"--help"});
+    QVERIFY(!r.crashed);
+    QCOMPARE(r.exitCode, 0);
+    QVERIFY(r.out.startsWith("Usage: runplan"));
+    QVERIFY(r.out.contains("--maximize-all"));
+    QVERIFY(r.out.contains("--report"));
+
+    r = run({"--version"});
+    QCOMPARE(r.exitCode, 0);
+    QCOMPARE(r.out, QByteArray("Runplan 3.17.0 (build 20250205-2cbee83)\n"));
+}
+
+void TestBatch::maximizeAllMatchesTheEngine()
+{
+    const Run r = run({"-nw", "--maximize-all", "all.csv"});
+    QVERIFY(!r.crashed);
+    QCOMPARE(r.exitCode, 0);
+    const QByteArray written = readFile(m_dir->filePath("all.csv"));
+    QVERIFY(written.startsWith("Fixtures, "));
+    QVERIFY(written.contains("\nLine Voltage,"));
+    QCOMPARE(written, engineExport(true));
+}
+
+void TestBatch::selectionsChooseWhatIsExported()
+{
+    const QString cove = QStringLiteral("Linea Cove Dynaline 4ft (208v - 277v)");
+    // The enabler's name in any case; the fixture's exactly.
+    const Run r = run({"-nw", "-ps", "line voltage", "-f", cove, "--maximize-fixture", "cove.csv"});
+    QCOMPARE(r.exitCode, 0);
+    const QByteArray written = readFile(m_dir->filePath("cove.csv"));
+    QVERIFY(written.startsWith("Fixtures, 208v, 220v, 240v, 277v\n" + cove.toUtf8()));
+    QCOMPARE(written, engineExport(false, QStringLiteral("Line Voltage"), cove));
+
+    // A fixture name in the wrong case matches nothing: the enabler's first fixture is exported.
+    const Run other =
+        run({"-nw", "-ps", "Line Voltage", "-f", cove.toLower(), "--maximize-fixture", "first.csv"});
+    QCOMPARE(other.exitCode, 0);
+    QCOMPARE(readFile(m_dir->filePath("first.csv")), engineExport(false, QStringLiteral("Line Voltage")));
+}
+
+void TestBatch::exportGivenLastWritesDataCsv()
+{
+    const Run r = run({"-nw", "--maximize-fixture"});
+    QCOMPARE(r.exitCode, 0);
+    QCOMPARE(readFile(m_dir->filePath("data.csv")), engineExport(false));
+}
+
+void TestBatch::unwritableOutputFails()
+{
+    const QString blocked = QStringLiteral("nofolder/out.csv");
+    const Run r = run({"-nw", "--maximize-all", blocked});
+    QVERIFY(!r.crashed);
+    QVERIFY(r.exitCode != 0);
+    QVERIFY2(r.err.contains("cannot write") && r.err.contains("out.csv"), r.err.constData());
+    QVERIFY(!QFile::exists(m_dir->filePath(blocked)));
+}
+
+void TestBatch::invalidCatalogFails()
+{
+    // A copy of the program beside a broken catalog.
+    const QString program = m_dir->filePath("runplan");
+    QVERIFY(QFile::copy(binDirPath() + "/runplan", program));
+    QFile::setPermissions(program, QFile::permissions(program) | QFileDevice::ExeOwner);
+    QFile catalog(m_dir->filePath("vx_config_dl.xml"));
+    QVERIFY(catalog.open(QIODevice::WriteOnly));
+    catalog.write("<not a catalog");
+    catalog.close();
+
+    const Run r = run({"-nw", "--maximize-all", "all.csv"}, program);
+    QVERIFY(!r.crashed);
+    QVERIFY(r.exitCode != 0);
+    QVERIFY2(r.err.contains("catalog") && r.err.contains("not valid"), r.err.constData());
+    QVERIFY(!QFile::exists(m_dir->filePath("all.csv")));
+
+    QVERIFY(QFile::copy(testDataPath("app/sample.rpproj"), m_dir->filePath("sample.rpproj")));
+    const Run report = run({"-nw", "--report", "sample.rpproj"}, program);
+    QCOMPARE(report.exitCode, 1);
+}
+
+void TestBatch::reportPrintsTheAnalysis()
+{
+    for (const QString& name : {QStringLiteral("sample.rpproj"), QStringLiteral("overload.rpproj")}) {
+        QVERIFY(QFile::copy(testDataPath("app/" + name), m_dir->filePath(name)));
+
+        // What the engine makes of the same project.
+        Session session(m_db);
+        RecordingReporter quiet;
+        QVERIFY(ProjectFile::open(testDataPath("app/" + name), session.document(), session.header(), &quiet));
+        session.analyze();
+        QString expected;
+        for (const auto& line : session.result().logLines())
+            expected += line.first + QLatin1Char('\n');
+
+        const Run r = run({"-nw", "--report", name});
+        QVERIFY(!r.crashed);
+        QCOMPARE(QString::fromUtf8(r.out), expected);
+        QCOMPARE(r.exitCode, session.result().pass ? 0 : 2);
+        QVERIFY(r.out.contains("Length = "));
+    }
+    // The sample passes and the overloaded copy fails.
+    QCOMPARE(run({"-nw", "--report", "sample.rpproj"}).exitCode, 0);
+    QCOMPARE(run({"-nw", "--report", "overload.rpproj"}).exitCode, 2);
+
+    const Run missing = run({"-nw", "--report", "missing.rpproj"});
+    QCOMPARE(missing.exitCode, 1);
+    QVERIFY(missing.err.contains("Open Error"));
+    QVERIFY(missing.out.isEmpty());
+    // Only an unattended run reports.
+    QCOMPARE(run({"--report", "sample.rpproj"}).exitCode, 1);
+    QCOMPARE(run({"-nw", "--report"}).exitCode, 1);
+}
+
+void TestBatch::nothingToDoEndsAtOnce()
+{
+    const Run r = run({"-nw"});
+    QVERIFY(!r.crashed);
+    QCOMPARE(r.exitCode, 0);
+    QVERIFY(r.err.contains("Command completed"));
+    QVERIFY(QDir(m_dir->path()).entryList(QDir::Files).isEmpty());
+}
+
+QTEST_MAIN(TestBatch)
+#include "tst_batch.moc"
