@@ -52,6 +52,18 @@ void CWidgetTableView::handleModelReset()
     viewport()->update();
 }
 
+void CWidgetTableView::resizeEvent(QResizeEvent* event)
+{
+    QTableView::resizeEvent(event);
+    applyRows();
+}
+
+void CWidgetTableView::showEvent(QShowEvent* event)
+{
+    QTableView::showEvent(event);
+    applyRows();
+}
+
 void CWidgetTableView::applyColumns()
 {
     if (!model())

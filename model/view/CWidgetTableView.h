@@ -25,6 +25,11 @@ public slots:
     // The model changed: recompute the columns and the row of the shown component.
     void handleModelReset();
 
+protected:
+    // The one row fills the table once the table has its real size.
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
 private:
     void applyColumns();
     void applyRows();

@@ -131,6 +131,7 @@ private slots:
     void maximizeMatchesTheEngine();
     void interactiveExportWritesChosenFile();
     void dialogsGoThroughThePrompter();
+    void commandLineOpensTheProject();
 
 private:
     // The window's widgets, found by their object names.
@@ -825,6 +826,29 @@ void TestMainWindow::dialogsGoThroughThePrompter()
     find<QAction>("actionAbout")->trigger();
     QCOMPARE(m_window->findChildren<AboutDialog*>().size(), 1);
     QVERIFY(about->isVisible());
+}
+
+void TestMainWindow::commandLineOpensTheProject()
+{
+    // Every argument with a "-" is an option, so the project goes by a plain relative name.
+    QVERIFY(QFile::copy(testDataPath("app/sample.rpproj"), m_dir->filePath("sample.rpproj")));
+    const QString previous = QDir::currentPath();
+    QDir::setCurrent(m_dir->path());
+    QSignalSpy done(m_window, &Runplan::commandsDone);
+    const bool opened = m_window->processCommandLine(QStringList{"runplan", "-ml", "20", "sample.rpproj"});
+    QDir::setCurrent(previous);
+    QVERIFY(opened);
+    QVERIFY(!m_window->isRunningBatchCommands());
+    QCOMPARE(m_window->currentFilePath(), QStringLiteral("sample.rpproj"));
+    QVERIFY(m_window->windowTitle().startsWith("sample.rpproj[*] - "));
+    QCOMPARE(doc()->count(ItemFixture), 6);
+    // The project's own load wins over the option given before it.
+    QCOMPARE(find<QComboBox>("m_DL_MaxLoad_Combo")->currentText(), QStringLiteral("15"));
+    QVERIFY(!doc()->isModified());
+    // The commands run once the event loop does; with nothing requested that is the end.
+    QCOMPARE(done.size(), 0);
+    QCoreApplication::processEvents();
+    QCOMPARE(done.size(), 1);
 }
 
 QTEST_MAIN(TestMainWindow)
