@@ -121,14 +121,15 @@ Runplan::Runplan(QWidget* parent)
     g_mainWindow = this;
     m_prompter = m_defaultPrompter.get();
     initRunplanResources();
-    // Nothing is analysed until the window is complete; the Reset of step 6 runs the first analysis.
+    // Nothing is analysed until the window is complete; the Reset after the connections runs the
+    // first analysis.
     auto hold = std::make_unique<AnalysisHold>(m_analysisSuspended);
 
-    // 1. Form and icon.
+    // Form and icon.
     ui->setupUi(this);
     setWindowIcon(QIcon(QStringLiteral(":/Runplan.ico")));
 
-    // 2. Bold labels; only the Dynaline page stays.
+    // Bold labels; only the Dynaline page stays.
     QFont bold = QApplication::font();
     bold.setWeight(QFont::Bold);
     ui->m_DL_Supply_Label->setFont(bold);
@@ -141,7 +142,7 @@ Runplan::Runplan(QWidget* parent)
     }
     ui->m_DLFixture_Combo->setFocus();
 
-    // 3. Version line.
+    // Version line.
     statusMessage(tr("Vorlux Runplan Version  %1.%2.%3 Build %4-%5")
                       .arg(RunplanVersion::Major)
                       .arg(RunplanVersion::Minor)
@@ -150,7 +151,7 @@ Runplan::Runplan(QWidget* parent)
                       .arg(RunplanVersion::buildTag()),
                   passingLogColor());
 
-    // 4. The catalog: its first use loads it and reports its own faults. The canvas and the
+    // The catalog: its first use loads it and reports its own faults. The canvas and the
     // property table are two views on the one configuration.
     m_db = Database::instance();
     m_doc = new ConfigDocument(m_db, this);
@@ -165,7 +166,7 @@ Runplan::Runplan(QWidget* parent)
             ui->m_DLSupply_Combo->addItem(supply->name, QVariant::fromValue(supply));
     }
 
-    // 5. Initial choices.
+    // Initial choices.
     ui->m_DL_AddReceiver_Button->hide();
     ui->m_DL_TotalPower_Label->setFont(bold);
     ui->m_DL_TotalFixtures_Label->setFont(bold);
@@ -180,7 +181,7 @@ Runplan::Runplan(QWidget* parent)
     ui->m_DL_TotalPowerAmps_Edit->setAutoFillBackground(true);
     hold.reset();
 
-    // 6. Connections.
+    // Connections.
     CFrame* canvas = ui->m_DL_Frame;
     connect(canvas, &CFrame::frameChanged, this, &Runplan::DL_Update);
     connect(this, &Runplan::paramChanged, canvas, &CFrame::handleParamChanged);
@@ -206,7 +207,7 @@ Runplan::Runplan(QWidget* parent)
     on_m_DL_Reset_Button_clicked();
     m_doc->setModified(false);
 
-    // 7. Tips, icons and the zoom list.
+    // Tips, icons and the zoom list.
     ui->actionNew->setStatusTip(tr("Create a new configuration"));
     ui->actionOpen->setStatusTip(tr("Open an exisiting configuration, checking for unsaved changes"));
     ui->actionSave->setStatusTip(tr("Save the current configuration"));
@@ -229,10 +230,10 @@ Runplan::Runplan(QWidget* parent)
         ui->m_zoomComboBox->addItem(QString::number(percent) + QLatin1Char('%'));
     ui->m_zoomComboBox->setCurrentIndex(ui->m_zoomComboBox->count() - 1);
 
-    // 8. Title.
+    // Title.
     setWindowTitleFor(QString());
 
-    // 9. Stored window state; the line key shows unless it was switched off.
+    // Stored window state; the line key shows unless it was switched off.
     QSettings settings;
     if (settings.contains(RunplanSettings::windowGeometryKey()))
         restoreGeometry(settings.value(RunplanSettings::windowGeometryKey()).toByteArray());
