@@ -68,10 +68,22 @@ int ConfigDocument::count(int kind) const
 
 void ConfigDocument::adopt(CWidget* w)
 {
-    connect(w, &CWidget::valueChanged, this, [this]() {
-        setModified(true);
-        emit componentChanged();
-    });
+    // A subtree read from a file arrives whole: every component in it must report its edits.
+    QList<CWidget*> pending{w};
+    while (!pending.isEmpty()) {
+        CWidget* c = pending.takeLast();
+        connect(c, &CWidget::valueChanged, this, &ConfigDocument::onComponentValueChanged, Qt::UniqueConnection);
+        if (auto* wire = qobject_cast<BranchWireWidget*>(c))
+            connect(wire, &BranchWireWidget::locationChanged, this, &ConfigDocument::setLastLocation,
+                    Qt::UniqueConnection);
+        pending.append(c->children());
+    }
+}
+
+void ConfigDocument::onComponentValueChanged()
+{
+    setModified(true);
+    emit componentChanged();
 }
 
 QModelIndex ConfigDocument::insert(CWidget* w)
@@ -135,7 +147,6 @@ CWidget* ConfigDocument::addBranchWire(int spare, const QString& inputMode, bool
     wire->setLocation(lastLocation());
     if (!inputMode.isEmpty())
         wire->setInputMode(inputMode);
-    connect(wire, &BranchWireWidget::locationChanged, this, &ConfigDocument::setLastLocation);
     return insert(wire).isValid() ? wire : nullptr;
 }
 

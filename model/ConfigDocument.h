@@ -86,6 +86,9 @@ signals:
     void currentChanged(const QModelIndex& index);
     void modifiedChanged(bool modified);
 
+private slots:
+    void onComponentValueChanged();
+
 private:
     CWidget* addBranchWire(int spare, const QString& inputMode, bool defaultWireName);
     void adopt(CWidget* w);

@@ -13,6 +13,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <QSignalSpy>
 #include <QtTest>
 
 #ifdef Q_OS_UNIX
@@ -331,6 +332,31 @@ private slots:
         const QString path = dir.filePath(QStringLiteral("every.rpproj"));
         QVERIFY(ProjectFile::save(path, copy, header2, &rec));
         QCOMPARE(readAll(path), first);
+    }
+
+    // Every component read from a file reports its edits: the user is asked to save afterwards.
+    void editsAfterReadingMarkModified()
+    {
+        ConfigDocument doc(&m_db);
+        buildEveryKind(doc);
+        if (QTest::currentTestFailed())
+            return;
+        ConfigDocument copy(&m_db);
+        HeaderValues header;
+        RecordingReporter rec;
+        QVERIFY(ProjectFile::read(ProjectFile::toBytes(doc, sampleHeader()), copy, header, &rec));
+        QVERIFY(!copy.isModified());
+        QSignalSpy edited(&copy, &ConfigDocument::componentChanged);
+        CWidget* deepest = copy.root();
+        while (deepest->childCount() > 0)
+            deepest = deepest->child(deepest->childCount() - 1);
+        QVERIFY(deepest != copy.root());
+        const QModelIndex idx = copy.indexOf(deepest);
+        const int column = deepest->propertyIds().contains(PropType) ? PropType : PropName;
+        QVERIFY(copy.model()->setData(copy.model()->index(idx.row(), column, idx.parent()),
+                                      deepest->cellData(column, Qt::EditRole), Qt::EditRole));
+        QCOMPARE(edited.count(), 1);
+        QVERIFY(copy.isModified());
     }
 
     void textsSurviveEscaping()
