@@ -83,74 +83,32 @@ private slots:
         QCOMPARE(m_db.junctionBoxes().size(), 4);
     }
 
+    // Each kind's properties (the columns it fills), the legacy property count and the name shown.
     void propertiesPerKind()
     {
-        const QStringList all{"name",       "type",      "gauge",    "length",        "junctionBox",
-                              "outputMode", "inputMode", "location", "dynaLineLength"};
-        for (int id = 0; id < all.size(); ++id)
-            QCOMPARE(propertyName(id), all[id]);
-        QCOMPARE(propertyName(9), QString());
-        QCOMPARE(propertyName(-1), QString());
-
-        SupplyWidget supply(&m_db, m_duo);
-        QCOMPARE(names(supply.propertyIds()), QStringList({"name", "outputMode", "dynaLineLength"}));
-        QCOMPARE(supply.propertyCount(), 2);
-        QCOMPARE(supply.displayName(), QStringLiteral("Enabler Duo"));
-        QCOMPARE(supply.itemRect(), QRect(0, 0, 220, 20));
-
+        auto check = [](const CWidget& w, const QStringList& ids, int count, const QString& shown) {
+            QCOMPARE(names(w.propertyIds()), ids);
+            QCOMPARE(w.propertyCount(), count);
+            QCOMPARE(w.displayName(), shown);
+        };
+        check(SupplyWidget(&m_db, m_duo), {"name", "outputMode", "dynaLineLength"}, 2, "Enabler Duo");
         LeaderWidget leader(&m_db, m_bar);
-        QCOMPARE(leader.type(), QStringLiteral("Leader 3ft"));
-        QCOMPARE(names(leader.propertyIds()), QStringList({"name", "type", "length"}));
-        QCOMPARE(leader.propertyCount(), 3);
+        check(leader, {"name", "type", "length"}, 3, "Leader");
         leader.setType(QStringLiteral("Custom Leader"));
-        QCOMPARE(names(leader.propertyIds()), QStringList({"name", "type", "gauge", "length"}));
-        QCOMPARE(leader.propertyCount(), 4);
-        QCOMPARE(leader.displayName(), QStringLiteral("Leader"));
-        QCOMPARE(leader.itemRect(), QRect(0, 0, 100, 20));
-        QCOMPARE(leader.property("fixtureName").toString(), kBar);
-
+        check(leader, {"name", "type", "gauge", "length"}, 4, "Leader");
         JumperWidget jumper(&m_db, m_bar);
-        QCOMPARE(names(jumper.propertyIds()), QStringList({"name", "type"}));
-        QCOMPARE(jumper.propertyCount(), 2);
         jumper.setType(QStringLiteral("custom jumper")); // the test is case-sensitive
-        QCOMPARE(jumper.propertyCount(), 2);
+        check(jumper, {"name", "type"}, 2, "Jumper");
         jumper.setType(QStringLiteral("My Custom Run"));
-        QCOMPARE(names(jumper.propertyIds()), QStringList({"name", "type", "gauge", "length"}));
-        QCOMPARE(jumper.propertyCount(), 4);
-        QCOMPARE(jumper.displayName(), QStringLiteral("Jumper"));
-        QCOMPARE(jumper.itemRect(), QRect(0, 0, 150, 20));
-
-        FixtureWidget fixture(&m_db, m_bar);
-        QCOMPARE(names(fixture.propertyIds()), QStringList({"name"}));
-        QCOMPARE(fixture.propertyCount(), 2);
-        QCOMPARE(fixture.displayName(), kBar);
-
-        ReceiverWidget receiver(&m_db, m_receiver);
-        QCOMPARE(names(receiver.propertyIds()), QStringList({"name", "dynaLineLength", "junctionBox"}));
-        QCOMPARE(receiver.propertyCount(), 2);
-        QCOMPARE(receiver.displayName(), QStringLiteral("Receiver One"));
-
-        BranchWireWidget wire(&m_db, m_db.firstBranchWire());
-        QCOMPARE(names(wire.propertyIds()),
-                 QStringList({"name", "gauge", "length", "inputMode", "location"}));
-        QCOMPARE(wire.propertyCount(), 2);
-        QCOMPARE(wire.displayName(), QStringLiteral("Branch Wire"));
-        // The catalog's wire: its default gauge and length; the spare field starts at 4.
-        QCOMPARE(wire.gauge(), QStringLiteral("14"));
-        QCOMPARE(wire.length(), 30.0);
-        QCOMPARE(wire.inputMode(), QStringLiteral("UNDEFINED"));
-        QCOMPARE(wire.spare(), 4);
-
+        check(jumper, {"name", "type", "gauge", "length"}, 4, "Jumper");
+        check(FixtureWidget(&m_db, m_bar), {"name"}, 2, kBar);
+        check(FixtureWidget(&m_db, nullptr), {"name"}, 2, QString());
+        check(ReceiverWidget(&m_db, m_receiver), {"name", "dynaLineLength", "junctionBox"}, 2, "Receiver One");
+        check(BranchWireWidget(&m_db, m_db.firstBranchWire()), {"name", "gauge", "length", "inputMode", "location"},
+              2, "Branch Wire");
         JunctionBoxWidget junction(&m_db, box(QStringLiteral("Box Alpha")));
-        QCOMPARE(names(junction.propertyIds()), QStringList({"name", "outputMode", "type"}));
-        QCOMPARE(junction.propertyCount(), 2);
-        QCOMPARE(junction.displayName(), QStringLiteral("Junction Box"));
-        QCOMPARE(junction.type(),
-                 QStringLiteral("Box Gamma")); // the catalog's first box, whatever the record
-
-        // Without a catalog record there is no name.
-        FixtureWidget orphan(&m_db, nullptr);
-        QCOMPARE(orphan.displayName(), QString());
+        check(junction, {"name", "outputMode", "type"}, 2, "Junction Box");
+        QCOMPARE(junction.type(), QStringLiteral("Box Gamma")); // the catalog's first box, whatever the record
     }
 
     void capacities()
@@ -456,110 +414,6 @@ private slots:
         // Nothing to choose on a fixture or a name.
         QCOMPARE(FixtureWidget(&m_db, m_bar).editorSpec(PropType).kind, EditorSpec::None);
         QCOMPARE(leader.editorSpec(PropName).kind, EditorSpec::None);
-    }
-
-    void applyingValues()
-    {
-        SupplyWidget supply(&m_db, m_duo);
-        auto* leader = new LeaderWidget(&m_db, m_bar);
-        supply.insertChild(leader);
-        QSignalSpy changed(leader, &CWidget::valueChanged);
-        leader->applyEditorValue(PropLength, QVariant(25));
-        QCOMPARE(leader->length(), 25.0);
-        leader->applyEditorValue(PropType, QVariant(QStringLiteral("Custom Leader")));
-        QCOMPARE(leader->type(), QStringLiteral("Custom Leader"));
-        leader->applyEditorValue(PropGauge, QVariant(QStringLiteral("14")));
-        QCOMPARE(leader->gauge(), QStringLiteral("14"));
-        QCOMPARE(changed.count(), 3);
-        leader->applyEditorValue(PropLocation, QVariant(QStringLiteral("Above Ground"))); // not a leader's
-        QCOMPARE(changed.count(), 3);
-        QVERIFY(!leader->property("location").isValid());
-
-        // A fixed jumper shows no length, so it takes none; a custom one does.
-        JumperWidget jumper(&m_db, m_bar);
-        QSignalSpy jumperChanged(&jumper, &CWidget::valueChanged);
-        jumper.applyEditorValue(PropLength, QVariant(9));
-        QCOMPARE(jumper.length(), 2.0);
-        QCOMPARE(jumperChanged.count(), 0);
-        jumper.applyEditorValue(PropType, QVariant(QStringLiteral("Custom Jumper")));
-        jumper.applyEditorValue(PropLength, QVariant(9));
-        QCOMPARE(jumper.length(), 9.0);
-        QCOMPARE(jumperChanged.count(), 2);
-
-        FixtureWidget fixture(&m_db, m_bar);
-        QSignalSpy fixtureChanged(&fixture, &CWidget::valueChanged);
-        fixture.applyEditorValue(PropType, QVariant(QStringLiteral("x")));
-        QCOMPARE(fixtureChanged.count(), 0);
-
-        BranchWireWidget* bw = wire(QStringLiteral("Feedwise"), QStringLiteral("Above Ground"));
-        QScopedPointer<BranchWireWidget> guard(bw);
-        QSignalSpy located(bw, &BranchWireWidget::locationChanged);
-        QSignalSpy bwChanged(bw, &CWidget::valueChanged);
-        bw->applyEditorValue(PropLocation, QVariant(QStringLiteral("Underground")));
-        QCOMPARE(bw->location(), QStringLiteral("Underground"));
-        QCOMPARE(located.count(), 1);
-        QCOMPARE(located.at(0).at(0).toString(), QStringLiteral("Underground"));
-        bw->applyEditorValue(PropInputMode, QVariant(QStringLiteral("Dynaline")));
-        QCOMPARE(bw->inputMode(), QStringLiteral("Dynaline"));
-        QCOMPARE(located.count(), 1);
-        QCOMPARE(bwChanged.count(), 2);
-
-        JunctionBoxWidget junction(&m_db, box(QStringLiteral("Box Gamma")));
-        junction.applyEditorValue(PropType, QVariant(QStringLiteral("Box Delta")));
-        QCOMPARE(junction.type(), QStringLiteral("Box Delta"));
-        ReceiverWidget receiver(&m_db, m_receiver);
-        receiver.applyEditorValue(PropJunctionBox, QVariant(QStringLiteral("Box Delta")));
-        QCOMPARE(receiver.junctionBox(), QStringLiteral("Box Delta"));
-        SupplyWidget feed(&m_db, m_feedFirst);
-        feed.applyEditorValue(PropOutputMode, QVariant(QStringLiteral("Dynaline")));
-        QCOMPARE(feed.outputMode(), QStringLiteral("Dynaline"));
-    }
-
-    void cellTexts()
-    {
-        SupplyWidget supply(&m_db, m_duo);
-        supply.setDynaLineLength(12.5);
-        QCOMPARE(supply.cellData(PropName, Qt::DisplayRole).toString(), QStringLiteral("Enabler Duo"));
-        QCOMPARE(supply.cellData(PropDynaLineLength, Qt::DisplayRole).toString(), QStringLiteral("12.5 ft"));
-        QCOMPARE(supply.cellData(PropDynaLineLength, Qt::EditRole), QVariant(12.5));
-        QCOMPARE(supply.cellData(PropName, Qt::ToolTipRole).toString(),
-                 QStringLiteral("Enabler Duo\nMode: Dynaline\nDL / Line Voltage Length: 12.5 ft"));
-        SupplyWidget feed(&m_db, m_feedFirst);
-        feed.setDynaLineLength(3.0);
-        QCOMPARE(feed.cellData(PropOutputMode, Qt::ToolTipRole).toString(),
-                 QStringLiteral("Feedwise\nMode: Feedwise"));
-
-        auto* bw = wire(QStringLiteral("Feedwise"), QStringLiteral("Above Ground"), 123.25);
-        supply.insertChild(bw);
-        QCOMPARE(bw->cellData(PropLength, Qt::DisplayRole).toString(), QStringLiteral("123.25 ft"));
-        QCOMPARE(bw->cellData(PropLength, Qt::ToolTipRole).toString(), QStringLiteral("123.25 ft"));
-        QCOMPARE(bw->cellData(PropLength, Qt::EditRole), QVariant(123.25));
-        QCOMPARE(bw->cellData(PropGauge, Qt::DisplayRole).toString(), QStringLiteral("14 AWG"));
-        QCOMPARE(bw->cellData(PropGauge, Qt::EditRole).toString(), QStringLiteral("14"));
-        QCOMPARE(bw->cellData(PropLocation, Qt::DisplayRole).toString(), QStringLiteral("Above Ground"));
-        QCOMPARE(bw->cellData(PropName, Qt::DisplayRole).toString(), QStringLiteral("Branch Wire"));
-
-        auto* receiver = new ReceiverWidget(&m_db, m_receiver);
-        bw->insertChild(receiver);
-        receiver->setDynaLineLength(40.5);
-        QCOMPARE(receiver->cellData(PropName, Qt::ToolTipRole).toString(),
-                 QStringLiteral("Receiver One\nFixture Run Length: 40.5 ft"));
-        QCOMPARE(receiver->cellData(PropName, Qt::DisplayRole).toString(), QStringLiteral("Receiver One"));
-        QCOMPARE(receiver->cellData(PropJunctionBox, Qt::DisplayRole).toString(),
-                 QStringLiteral("Box Alpha"));
-
-        auto* mounted = new FixtureWidget(&m_db, m_bar);
-        receiver->insertChild(mounted);
-        QCOMPARE(mounted->cellData(PropName, Qt::ToolTipRole).toString(),
-                 kBar + " mounted on Feedwise Receiver");
-        QCOMPARE(mounted->cellData(PropName, Qt::DisplayRole).toString(), kBar);
-        auto* plain = new FixtureWidget(&m_db, m_bar);
-        auto* leader = new LeaderWidget(&m_db, m_bar);
-        receiver->insertChild(leader);
-        leader->insertChild(plain);
-        QCOMPARE(plain->cellData(PropName, Qt::ToolTipRole).toString(), kBar);
-        QCOMPARE(leader->cellData(PropLength, Qt::DisplayRole).toString(), QStringLiteral("3 ft"));
-        QVERIFY(!plain->cellData(PropLength, Qt::DisplayRole).isValid());
     }
 
     void itemModel()
