@@ -9,17 +9,12 @@
 #include "model/ProjectFile.h"
 
 #include <QDir>
-#include <QDomDocument>
 #include <QFile>
-#include <QFileInfo>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
 
-#ifdef Q_OS_UNIX
 #include <csignal>
 #include <sys/resource.h>
-#endif
 
 namespace
 {
@@ -50,11 +45,6 @@ QString shape(const CWidget* w)
     return out;
 }
 
-CableWidget* asCable(CWidget* w)
-{
-    return qobject_cast<CableWidget*>(w);
-}
-
 QByteArray project(const QString& widgets, const QString& headerAttributes = QString())
 {
     const QString header = headerAttributes.isEmpty()
@@ -80,14 +70,6 @@ QByteArray deepProject(int components)
     return out + "</CFrame></Runplan>";
 }
 
-int treeDepth(const CWidget* root)
-{
-    int depth = 0;
-    for (const CWidget* w = root; w; w = w->child(0))
-        ++depth;
-    return depth;
-}
-
 } // namespace
 
 class ProjectFileTest : public QObject
@@ -107,9 +89,7 @@ private:
         h.fixture = kBar;
         h.lineVoltage = QStringLiteral("Other");
         h.customVoltage = 208;
-        h.maxCircuitLoad = QStringLiteral("15");
         h.customLoad = 17;
-        h.frequency = QStringLiteral("60 Hz");
         h.controller = QStringLiteral("Small Controller");
         return h;
     }
@@ -131,23 +111,19 @@ private:
         QVERIFY(jb0 && doc.addLeader(m_bar) && doc.addFixture(m_bar) && doc.addJumper(m_bar)
                 && doc.addFixture(m_bar));
         doc.setCurrent(jb0);
-        CableWidget* l2 = asCable(doc.addLeader(m_trough));
-        QVERIFY(l2);
+        CableWidget* l2 = qobject_cast<CableWidget*>(doc.addLeader(m_trough));
+        CableWidget* j2 =
+            l2 && doc.addFixture(m_trough) ? qobject_cast<CableWidget*>(doc.addJumper(m_trough)) : nullptr;
+        QVERIFY(j2);
         l2->setType(QStringLiteral("Custom Leader"));
         l2->setGauge(QStringLiteral("14"));
         l2->setLength(37.5);
-        QVERIFY(doc.addFixture(m_trough));
-        CableWidget* j2 = asCable(doc.addJumper(m_trough));
-        QVERIFY(j2);
         j2->setType(QStringLiteral("Custom <&> \"q\""));
         j2->setLength(7.25);
         doc.setCurrent(jb0);
         QVERIFY(doc.addFixture(m_trough));
         doc.setCurrent(jb0);
-        CWidget* s1 = doc.addSupply(m_duo);
-        QVERIFY(s1);
-        s1->setDynaLineLength(3.75);
-        QVERIFY(doc.addLeader(m_bar) && doc.addFixture(m_bar));
+        QVERIFY(doc.addSupply(m_duo) && doc.addLeader(m_bar) && doc.addFixture(m_bar));
         doc.setCurrent(jb0);
         CWidget* r1 = doc.addReceiver();
         QVERIFY(r1);
@@ -163,23 +139,12 @@ private:
         QVERIFY(doc.addJunctionBox());
     }
 
-    static void expectSaveError(const RecordingReporter& rec, const QString& path)
-    {
-        QCOMPARE(rec.messages.size(), 1);
-        QCOMPARE(rec.messages[0].title, QStringLiteral("Save Error"));
-        const QString prefix = QStringLiteral("Cannot open file %1:\n").arg(path);
-        QVERIFY2(rec.messages[0].text.startsWith(prefix) && rec.messages[0].text.endsWith(QLatin1Char('.'))
-                     && rec.messages[0].text.size() > prefix.size() + 1,
-                 qPrintable(rec.messages[0].text));
-        QCOMPARE(rec.statusLines, QStringList{QStringLiteral("Failed to save configuration: %1").arg(path)});
-    }
-
 private slots:
     void initTestCase()
     {
         RecordingReporter quiet;
-        QVERIFY(m_db.loadFile(testDataPath(QStringLiteral("project/catalog.xml")), &quiet));
-        QVERIFY(quiet.messages.isEmpty());
+        QVERIFY(m_db.loadFile(testDataPath(QStringLiteral("project/catalog.xml")), &quiet)
+                && quiet.messages.isEmpty());
         m_duo = m_db.supplyNamed(QStringLiteral("Enabler Duo"));
         m_bar = m_db.fixtureNamed(kBar);
         m_trough = m_db.fixtureNamed(kTrough);
@@ -206,7 +171,6 @@ private slots:
                                   << "Stylebar Tint (RGBA/RGBW) Dynaline 4ft";
         QTest::newRow("exact case") << false << "glowbar tunable dynaline 4ft" << "glowbar tunable dynaline 4ft";
         QTest::newRow("exact spaces") << false << "Glowbar Tunable Dynaline 4ft " << "Glowbar Tunable Dynaline 4ft ";
-        QTest::newRow("new name") << false << kTrough << kTrough;
     }
 
     void names()
@@ -223,27 +187,18 @@ private slots:
         buildSmall(doc);
         const HeaderValues header = sampleHeader();
         const QByteArray expected = readAll(testDataPath(QStringLiteral("project/small-layout.rpproj")));
-        QVERIFY(!expected.isEmpty());
         QCOMPARE(ProjectFile::toBytes(doc, header), expected);
 
-        // Saved under the added extension, reported, no longer modified; read back the same.
+        // Saved under the added extension over a longer old file, reported, no longer modified.
         QTemporaryDir dir;
         RecordingReporter rec;
         QString saved;
+        QVERIFY(writeFile(dir.filePath(QStringLiteral("small.rpproj")), QByteArray(4096, 'x')));
         QVERIFY(ProjectFile::save(dir.filePath(QStringLiteral("small")), doc, header, &rec, &saved));
         QCOMPARE(saved, dir.filePath(QStringLiteral("small.rpproj")));
         QCOMPARE(readAll(saved), expected);
         QCOMPARE(rec.statusLines, QStringList{QStringLiteral("Configuration saved")});
         QVERIFY(rec.messages.isEmpty() && !doc.isModified());
-        ConfigDocument again(&m_db);
-        HeaderValues header2;
-        QVERIFY(ProjectFile::open(saved, again, header2, &rec));
-        QCOMPARE(ProjectFile::toBytes(again, header2), expected);
-
-        // A longer old file is replaced whole.
-        QVERIFY(writeFile(saved, QByteArray(4096, 'x')));
-        QVERIFY(ProjectFile::save(saved, doc, header, &rec));
-        QCOMPARE(readAll(saved), expected);
     }
 
     void roundTripEveryKind()
@@ -268,15 +223,7 @@ private slots:
         QVERIFY(ProjectFile::read(first, copy, header2, &rec));
         QVERIFY(rec.messages.isEmpty() && rec.statusLines.isEmpty());
         QCOMPARE(ProjectFile::toBytes(copy, header2), first);
-        QCOMPARE(shape(copy.root()), shape(doc.root()));
-        QCOMPARE(header2.controller, header.controller);
-        QCOMPARE(header2.frequency, header.frequency);
         QVERIFY(!copy.isModified());
-
-        QTemporaryDir dir;
-        const QString path = dir.filePath(QStringLiteral("every.rpproj"));
-        QVERIFY(ProjectFile::save(path, copy, header2, &rec));
-        QCOMPARE(readAll(path), first);
     }
 
     // Every component read from a file reports its edits: the user is asked to save afterwards.
@@ -288,14 +235,11 @@ private slots:
             return;
         ConfigDocument copy(&m_db);
         HeaderValues header;
-        RecordingReporter rec;
-        QVERIFY(ProjectFile::read(ProjectFile::toBytes(doc, sampleHeader()), copy, header, &rec));
-        QVERIFY(!copy.isModified());
+        QVERIFY(ProjectFile::read(ProjectFile::toBytes(doc, sampleHeader()), copy, header, nullptr));
         QSignalSpy edited(&copy, &ConfigDocument::componentChanged);
         CWidget* deepest = copy.root();
         while (deepest->childCount() > 0)
             deepest = deepest->child(deepest->childCount() - 1);
-        QVERIFY(deepest != copy.root());
         const QModelIndex idx = copy.indexOf(deepest);
         const int column = deepest->propertyIds().contains(PropType) ? PropType : PropName;
         QVERIFY(copy.model()->setData(copy.model()->index(idx.row(), column, idx.parent()),
@@ -325,8 +269,7 @@ private slots:
         QFETCH(int, voltage);
         QFETCH(int, load);
         HeaderValues in;
-        in.customVoltage = 999;
-        in.customLoad = 999;
+        in.customVoltage = in.customLoad = 999;
         in.controller = QStringLiteral("Keep");
         ConfigDocument target(&m_db);
         QVERIFY(ProjectFile::read(project(QString(), attributes), target, in, nullptr));
@@ -338,175 +281,83 @@ private slots:
 
     void readingRules()
     {
-        // A fixed jumper is written without a length and comes back with the constructor's, not
-        // its cable's.
+        // A fixed jumper is written without a length and comes back with the constructor's.
         ConfigDocument doc(&m_db);
         buildSmall(doc);
         HeaderValues h;
-        ProjectFile::read(ProjectFile::toBytes(doc, sampleHeader()), doc, h, nullptr);
-        QCOMPARE(asCable(doc.root()->child(0)->child(0)->child(0))->length(), 1.0);
+        QVERIFY(ProjectFile::read(ProjectFile::toBytes(doc, sampleHeader()), doc, h, nullptr));
+        QCOMPARE(qobject_cast<CableWidget*>(doc.root()->child(0)->child(0)->child(0))->length(), 1.0);
 
-        // A supply read from a file never offers "Feedwise"; what the file leaves out stays
-        // empty; the receiver record is the catalog's first; unknown attributes become string
-        // properties; the name is not read.
-        ProjectFile::read(
-            project(QStringLiteral("<CWidget CWidgetItemType=\"0\" name=\"Enabler Feed First\">"
-                                   "<CWidget CWidgetItemType=\"5\" name=\"Renamed\" inputMode=\"Feedwise\" colour=\"red\" length=\"12.25\">"
-                                   "<CWidget CWidgetItemType=\"4\" name=\"Receiver Two\"/></CWidget>"
-                                   "<CWidget CWidgetItemType=\"1\" fixtureName=\"Linea Trough Model A Dynaline 6in\"/>"
-                                   "</CWidget>")),
-            doc, h, nullptr);
-        auto* supply = qobject_cast<SupplyWidget*>(doc.root());
-        QVERIFY(supply);
-        QCOMPARE(supply->outputMode(), QString());
-        auto* wire = qobject_cast<BranchWireWidget*>(supply->child(1));
-        QVERIFY(wire);
-        QCOMPARE(wire->gauge() + wire->location(), QString());
-        QCOMPARE(wire->name(), QStringLiteral("Branch Wire"));
-        QCOMPARE(wire->property("colour"), QVariant(QStringLiteral("red")));
-        QCOMPARE(wire->length(), 12.25);
-        auto* receiver = qobject_cast<ReceiverWidget*>(wire->child(0));
-        QVERIFY(receiver);
-        QCOMPARE(receiver->junctionBox(), QString());
-        QCOMPARE(receiver->catalogItem()->name, QStringLiteral("Receiver One"));
-        auto* leader = asCable(supply->child(0));
-        QCOMPARE(leader->fixtureRecord(), m_trough);
-        QCOMPARE(leader->type(), QString());
-
-        ProjectFile::read(project(QStringLiteral("<CWidget CWidgetItemType=\"0\" name=\"Enabler Feed First\"/>")), doc,
-                          h, nullptr);
+        // A supply read from a file never offers "Feedwise", and takes no mode the file leaves out.
+        QVERIFY(ProjectFile::read(
+            project(QStringLiteral("<CWidget CWidgetItemType=\"0\" name=\"Enabler Feed First\"/>")), doc, h,
+            nullptr));
         QCOMPARE(doc.root()->editorSpec(PropOutputMode).choices,
                  QStringList({QStringLiteral("Line Voltage"), QStringLiteral("Dynaline")}));
-
-        // Numbers that do not parse read as 0.
-        QVERIFY(ProjectFile::open(testDataPath(QStringLiteral("project/non-numeric.rpproj")), doc, h, nullptr));
-        QCOMPARE(h.customVoltage + h.customLoad, 0);
-        QCOMPARE(doc.root()->dynaLineLength(), 0.0);
-        for (CWidget* w = doc.root(); w; w = w->child(0))
-            if (auto* c = asCable(w))
-                QCOMPARE(c->length(), 0.0);
+        QCOMPARE(qobject_cast<SupplyWidget*>(doc.root())->outputMode(), QString());
     }
 
     void childOrderOnReading()
     {
-        // Under a junction box: each fixture to the front, Feedwise wires to the end, the rest in
-        // file order. Under a leader fixtures keep their file order; an undecided wire below a
-        // receiver takes "Dynaline" and so goes before the Feedwise one.
-        auto fixture = [](const QString& name, const QString& inner = QString()) {
-            return QStringLiteral("<CWidget CWidgetItemType=\"2\" name=\"%1\">%2</CWidget>").arg(name, inner);
+        // Under a junction box: fixtures to the front (each in turn), Feedwise wires to the end,
+        // the rest in file order. Under a leader fixtures keep their order.
+        auto fixture = [](const QString& name) {
+            return QStringLiteral("<CWidget CWidgetItemType=\"2\" name=\"%1\"/>").arg(name);
         };
         auto wire = [](const char* mode, const char* location) {
             return QStringLiteral("<CWidget CWidgetItemType=\"5\" inputMode=\"%1\" location=\"%2\"/>")
                 .arg(QLatin1String(mode), QLatin1String(location));
         };
-        const QString receiver = QStringLiteral("<CWidget CWidgetItemType=\"4\">%1%2</CWidget>")
-                                     .arg(wire("Feedwise", "F"), wire("UNDEFINED", "U"));
-        const QString leader = QStringLiteral("<CWidget CWidgetItemType=\"1\" type=\"Leader 3ft\" "
-                                              "fixtureName=\"%1\">%2%3</CWidget>")
-                                   .arg(kBar, fixture(kBar), fixture(kTrough, receiver));
+        const QString leader = QStringLiteral("<CWidget CWidgetItemType=\"1\" fixtureName=\"%1\">%2%3</CWidget>")
+                                   .arg(kBar, fixture(kBar), fixture(kTrough));
         const QString box = wire("Feedwise", "A") + fixture(kBar) + leader + wire("Dynaline", "B")
                             + fixture(kTrough) + wire("Feedwise", "C");
         ConfigDocument doc(&m_db);
         HeaderValues h;
-        QVERIFY(ProjectFile::read(
-            project(QStringLiteral("<CWidget CWidgetItemType=\"0\" name=\"Enabler Duo\" outputMode=\"Dynaline\">"
-                                   "<CWidget CWidgetItemType=\"6\" type=\"Box Gamma\">%1</CWidget></CWidget>")
-                        .arg(box)),
-            doc, h, nullptr));
-        QVERIFY(doc.root());
+        QVERIFY(ProjectFile::read(project(QStringLiteral("<CWidget CWidgetItemType=\"0\" name=\"Enabler Duo\">"
+                                                         "<CWidget CWidgetItemType=\"6\">%1</CWidget></CWidget>")
+                                              .arg(box)),
+                                  doc, h, nullptr));
         QStringList order;
         for (const CWidget* c : doc.root()->child(0)->children()) {
             auto* b = qobject_cast<const BranchWireWidget*>(c);
             order << (b ? b->location() : QStringLiteral("%1:%2").arg(c->itemType()).arg(c->catalogItem()->name));
         }
         QCOMPARE(order, QStringList({"2:" + kTrough, "2:" + kBar, "1:" + kBar, "B", "A", "C"}));
-        CWidget* onLeader = doc.root()->child(0)->child(2);
-        QCOMPARE(onLeader->child(0)->catalogItem(), m_bar);
-        QCOMPARE(onLeader->child(1)->catalogItem(), m_trough);
-        auto* first = qobject_cast<BranchWireWidget*>(onLeader->child(1)->child(0)->child(0));
-        QVERIFY(first);
-        QCOMPARE(first->location(), QStringLiteral("U"));
-        QCOMPARE(first->inputMode(), QStringLiteral("Dynaline"));
+        QCOMPARE(doc.root()->child(0)->child(2)->child(1)->catalogItem(), m_trough);
     }
 
     void failedSavesKeepTheOldFile()
     {
+        // The parent of the target is a file, the target is a folder, or the write stops half-way
+        // (the file-size limit binds root too and stands in for a full disk): the folder stays as it was.
         QTemporaryDir dir;
-        ConfigDocument doc(&m_db);
-        buildSmall(doc);
-        const HeaderValues header = sampleHeader();
-        RecordingReporter rec;
-
-        // The parent of the target is a regular file.
-        const QString blocker = dir.filePath(QStringLiteral("blocker"));
-        QVERIFY(writeFile(blocker, "not a folder"));
-        QVERIFY(!ProjectFile::save(blocker + QStringLiteral("/plan"), doc, header, &rec));
-        expectSaveError(rec, blocker + QStringLiteral("/plan.rpproj"));
-        QCOMPARE(rec.messages[0].kind, Reporter::Kind::Warning);
-        QCOMPARE(readAll(blocker), QByteArray("not a folder"));
-        QVERIFY(doc.isModified());
-
-        // The target is a folder.
-        rec.clear();
-        const QString folder = dir.filePath(QStringLiteral("taken.rpproj"));
-        QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("taken.rpproj")));
-        QVERIFY(writeFile(folder + QStringLiteral("/inner.txt"), "inner"));
-        QVERIFY(!ProjectFile::save(dir.filePath(QStringLiteral("taken")), doc, header, &rec));
-        expectSaveError(rec, folder);
-        QCOMPARE(readAll(folder + QStringLiteral("/inner.txt")), QByteArray("inner"));
-        QVERIFY(doc.isModified());
-
-#ifdef Q_OS_UNIX
-        // A write that fails half-way (the file-size limit stands in for a full disk, and binds
-        // every user): the old file and the folder stay as they were.
-        rec.clear();
         const QString keep = dir.filePath(QStringLiteral("keep.rpproj"));
-        const QByteArray old = "<!-- the previous project -->\n";
-        QVERIFY(writeFile(keep, old));
-        const QStringList before = QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
-        ConfigDocument big(&m_db);
-        buildEveryKind(big);
-        QVERIFY(ProjectFile::toBytes(big, header).size() > 2048);
+        QVERIFY(writeFile(dir.filePath(QStringLiteral("blocker")), "old") && writeFile(keep, "old"));
+        QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("taken.rpproj")));
+        ConfigDocument doc(&m_db);
+        buildEveryKind(doc);
         struct rlimit saved {};
         QCOMPARE(getrlimit(RLIMIT_FSIZE, &saved), 0);
-        const auto previousHandler = std::signal(SIGXFSZ, SIG_IGN);
-        struct rlimit small = saved;
-        small.rlim_cur = 512;
-        QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
-        const bool ok = ProjectFile::save(keep, big, header, &rec);
-        setrlimit(RLIMIT_FSIZE, &saved);
-        std::signal(SIGXFSZ, previousHandler);
-        QVERIFY(!ok);
-        QCOMPARE(rec.messages.size(), 1);
-        QCOMPARE(rec.messages[0].kind, Reporter::Kind::Critical);
-        QCOMPARE(rec.messages[0].text, QStringLiteral("Failed to save configuration file: %1").arg(keep));
-        QCOMPARE(rec.statusLines, QStringList{QStringLiteral("Failed to save configuration: %1").arg(keep)});
-        QCOMPARE(readAll(keep), old);
-        QCOMPARE(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), before);
-        QVERIFY(big.isModified());
-#endif
-    }
-
-    void openFailureChangesNothing()
-    {
-        ConfigDocument doc(&m_db);
-        buildSmall(doc);
-        HeaderValues header = sampleHeader();
-        const QByteArray before = ProjectFile::toBytes(doc, header);
-        RecordingReporter rec;
-        QTemporaryDir dir;
-        for (const QString& path : {dir.filePath(QStringLiteral("missing.rpproj")), dir.path()}) {
-            rec.clear();
-            QVERIFY(!ProjectFile::open(path, doc, header, &rec));
-            QCOMPARE(rec.messages.size(), 1);
-            QCOMPARE(rec.messages[0].kind, Reporter::Kind::Warning);
-            QCOMPARE(rec.messages[0].title, QStringLiteral("Open Error"));
-            QVERIFY2(rec.messages[0].text.startsWith(QStringLiteral("Cannot read file %1:\n").arg(path)),
-                     qPrintable(rec.messages[0].text));
-            QCOMPARE(rec.statusLines, QStringList{QStringLiteral("Failed to open configuration %1").arg(path)});
-            QCOMPARE(ProjectFile::toBytes(doc, header), before);
-            QVERIFY(doc.isModified());
+        const struct rlimit small{512, saved.rlim_max};
+        const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+        for (const char* name : {"blocker/plan", "taken", "keep"}) {
+            const QString path = dir.filePath(QLatin1String(name) + QStringLiteral(".rpproj"));
+            RecordingReporter rec;
+            QCOMPARE(setrlimit(RLIMIT_FSIZE, path == keep ? &small : &saved), 0);
+            const bool ok = ProjectFile::save(dir.filePath(QLatin1String(name)), doc, sampleHeader(), &rec);
+            setrlimit(RLIMIT_FSIZE, &saved);
+            QVERIFY(!ok && doc.isModified());
+            const QString text = rec.messages.value(0).text;
+            const QString expected = path == keep ? "Failed to save configuration file: " + keep
+                                                  : "Cannot open file " + path + ":\n";
+            QVERIFY2(rec.messages.size() == 1 && text.startsWith(expected), qPrintable(text));
+            QCOMPARE(rec.statusLines, QStringList{QStringLiteral("Failed to save configuration: %1").arg(path)});
+            QCOMPARE(readAll(dir.filePath(QStringLiteral("blocker"))) + readAll(keep), QByteArray("oldold"));
+            QCOMPARE(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+                     QStringList({"blocker", "keep.rpproj", "taken.rpproj"}));
         }
+        std::signal(SIGXFSZ, handler);
     }
 
     // Each file opens without a message and replaces the configuration with what it could use:
@@ -550,7 +401,6 @@ private slots:
         QCOMPARE(header.frequency, frequency);
         QCOMPARE(shape(doc.root()), kinds);
         QCOMPARE(doc.count(ItemAny), kinds.size());
-        QCOMPARE(doc.model()->rowCount(), kinds.isEmpty() ? 0 : 1);
         QCOMPARE(doc.current(), doc.root());
         QCOMPARE(doc.techType(), 3); // not read from the file
         QVERIFY(!doc.isModified());
@@ -560,91 +410,41 @@ private slots:
         const QByteArray bytes = ProjectFile::toBytes(doc, header);
         ConfigDocument copy(&m_db);
         copy.setTechType(3);
-        HeaderValues header2;
-        QVERIFY(ProjectFile::read(bytes, copy, header2, &rec));
-        QCOMPARE(ProjectFile::toBytes(copy, header2), bytes);
-    }
-
-    void legacyNamesInAFile()
-    {
-        ConfigDocument doc(&m_db);
-        HeaderValues header;
-        QVERIFY(ProjectFile::open(testDataPath(QStringLiteral("project/legacy-names.rpproj")), doc, header, nullptr));
-        QCOMPARE(header.fixture, kBar);
-        auto* leader = asCable(doc.root()->child(0));
-        QVERIFY(leader);
-        QCOMPARE(leader->fixtureRecord(), m_bar);
-        auto* jumper = asCable(leader->child(0)->child(0));
-        QVERIFY(jumper);
-        QCOMPARE(jumper->fixtureRecord(), m_trough);
-        QCOMPARE(jumper->length(), 6.0);
-        const QByteArray bytes = ProjectFile::toBytes(doc, header);
-        QVERIFY(!bytes.contains("Glowbar"));
-        QVERIFY(bytes.contains("fixtureName=\"" + kTrough.toUtf8() + "\""));
+        QVERIFY(ProjectFile::read(bytes, copy, header, &rec));
+        QCOMPARE(ProjectFile::toBytes(copy, header), bytes);
     }
 
     void hostileSizes()
     {
-        QTemporaryDir dir;
-        RecordingReporter rec;
-
-        ConfigDocument doc(&m_db);
-        HeaderValues header;
-        // Nesting: at the limit the file opens; a run of 1000 comes back as saved.
-        const int frameLevels = 2; // "Runplan" and "CFrame"
-        const int deepest = ProjectFile::MaxNestingDepth - frameLevels;
-        QVERIFY(ProjectFile::read(deepProject(deepest), doc, header, &rec));
-        QCOMPARE(treeDepth(doc.root()), deepest);
-        QVERIFY(rec.statusLines.isEmpty());
-        QVERIFY(ProjectFile::read(deepProject(1000), doc, header, &rec));
-        const QByteArray deepBytes = ProjectFile::toBytes(doc, header);
-        ConfigDocument deepCopy(&m_db);
-        QVERIFY(ProjectFile::read(deepBytes, deepCopy, header, &rec));
-        QCOMPARE(treeDepth(deepCopy.root()), 1000);
-        QCOMPARE(ProjectFile::toBytes(deepCopy, header), deepBytes);
-
-        // One level deeper, or one child more than allowed (other elements do not count): refused
-        // with a status line, and the open configuration stays as it was.
-        ConfigDocument kept(&m_db);
-        buildSmall(kept);
-        kept.setModified(false);
-        HeaderValues keptHeader = sampleHeader();
-        const QByteArray keptBytes = ProjectFile::toBytes(kept, keptHeader);
+        // At the limits ("Runplan" and "CFrame" are levels, other elements not children) a file opens;
+        // past them, or nested deep in anything, it is refused and the open configuration stays.
+        const int deepest = ProjectFile::MaxNestingDepth - 2;
         auto wide = [](int children) {
-            const QString leader = QStringLiteral("<CWidget CWidgetItemType=\"1\" type=\"Leader 3ft\" "
-                                                  "fixtureName=\"Stylebar Tunable Dynaline 4ft\"/>");
-            return project(QStringLiteral("<CWidget CWidgetItemType=\"0\" name=\"Enabler Duo\">"
-                                          "<CWidget CWidgetItemType=\"6\">%1%2</CWidget></CWidget>")
+            const QString leader = QStringLiteral("<CWidget CWidgetItemType=\"1\" fixtureName=\"%1\"/>").arg(kBar);
+            return project(QStringLiteral("<CWidget CWidgetItemType=\"0\" name=\"Enabler Duo\"><CWidget "
+                                          "CWidgetItemType=\"6\">%1%2</CWidget></CWidget>")
                                .arg(leader.repeated(children), QStringLiteral("<note/>").repeated(5000)));
         };
-        ConfigDocument broad(&m_db);
-        QVERIFY(ProjectFile::read(wide(ProjectFile::MaxChildren), broad, header, &rec));
-        QCOMPARE(broad.count(ItemLeader), ProjectFile::MaxChildren);
-        QVERIFY(rec.statusLines.isEmpty());
-        const QList<QPair<QByteArray, QString>> refused{
-            {deepProject(deepest + 1), QStringLiteral("nested more than 10000 levels")},
-            {wide(ProjectFile::MaxChildren + 1), QStringLiteral("a component holds more than 1000 others")}};
-        for (const auto& [bytes, reason] : refused) {
+        ConfigDocument doc(&m_db);
+        HeaderValues header;
+        RecordingReporter rec;
+        QVERIFY(ProjectFile::read(deepProject(deepest), doc, header, &rec));
+        QCOMPARE(shape(doc.root()).size(), deepest);
+        QVERIFY(ProjectFile::read(wide(ProjectFile::MaxChildren), doc, header, &rec));
+        QCOMPARE(doc.count(ItemLeader), ProjectFile::MaxChildren);
+        const QByteArray kept = ProjectFile::toBytes(doc, header);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("refused.rpproj"));
+        for (const auto& [bytes, reason] : QList<QPair<QByteArray, QString>>{
+                 {deepProject(deepest + 1), "nested more than 10000 levels"},
+                 {"<Runplan>" + QByteArray("<a>").repeated(1000000), "nested more than 10000 levels"},
+                 {wide(ProjectFile::MaxChildren + 1), "a component holds more than 1000 others"}}) {
             rec.clear();
-            const QString path = dir.filePath(QStringLiteral("refused.rpproj"));
-            QVERIFY(writeFile(path, bytes));
-            QVERIFY(!ProjectFile::open(path, kept, keptHeader, &rec));
-            QVERIFY(rec.messages.isEmpty());
-            QCOMPARE(rec.statusLines,
-                     QStringList{QStringLiteral("Failed to open configuration %1: %2").arg(path, reason)});
-            QCOMPARE(ProjectFile::toBytes(kept, keptHeader), keptBytes);
-            QVERIFY(!kept.isModified());
+            QVERIFY(writeFile(path, bytes) && !ProjectFile::open(path, doc, header, &rec));
+            QVERIFY(rec.messages.isEmpty() && !doc.isModified());
+            QCOMPARE(rec.statusLines, QStringList{"Failed to open configuration " + path + ": " + reason});
+            QCOMPARE(ProjectFile::toBytes(doc, header), kept);
         }
-
-        // Far deeper, and not even components: refused before any tree is built; unclosed, so the
-        // parser stops at the end of the data rather than at a closing tag.
-        rec.clear();
-        const QByteArray abyss =
-            "<Runplan>" + QByteArray("<a>").repeated(1000000) + QByteArray("</a>").repeated(1000000) + "</Runplan>";
-        QVERIFY(!ProjectFile::read(abyss, kept, keptHeader, &rec));
-        QCOMPARE(rec.statusLines, QStringList{QStringLiteral("Failed to open configuration: nested more than 10000 levels")});
-        QVERIFY(!ProjectFile::read(QByteArray("<a>").repeated(20000), kept, keptHeader, &rec));
-        QCOMPARE(ProjectFile::toBytes(kept, keptHeader), keptBytes);
     }
 };
 
