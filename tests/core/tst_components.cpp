@@ -30,13 +30,13 @@ QStringList describe(const CWidget* parent)
 }
 
 // An editor's choices with the current one starred.
-QStringList marked(const EditorSpec& spec)
+QStringList marked(const EditorSpec& editor)
 {
-    QStringList out = spec.choices;
-    if (spec.currentIndex >= out.size())
+    QStringList out = editor.choices;
+    if (editor.currentIndex >= out.size())
         out << QStringLiteral("*?");
-    else if (spec.currentIndex >= 0)
-        out[spec.currentIndex].prepend(u'*');
+    else if (editor.currentIndex >= 0)
+        out[editor.currentIndex].prepend(u'*');
     return out;
 }
 
