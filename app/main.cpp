@@ -118,7 +118,10 @@ int main(int argc, char* argv[])
     }
 
     window.show();
-    const int status = app.exec();
+    int status = app.exec();
     Reporter::setGlobal(nullptr);
+    // A script must learn that the run had no catalog to work with; the message is already on stderr.
+    if (options.unattended && status == 0 && !Database::instance()->isValid())
+        status = 1;
     return status;
 }

@@ -227,6 +227,12 @@ void TestBatch::invalidCatalogFails()
     QVERIFY(QFile::copy(testDataPath("app/sample.rpproj"), m_dir->filePath("sample.rpproj")));
     const Run report = run({"-nw", "--report", "sample.rpproj"}, program);
     QCOMPARE(report.exitCode, 1);
+
+    // With nothing to export the run still says the catalog was unusable, in the loader's words.
+    const Run bare = run({"-nw"}, program);
+    QVERIFY(!bare.crashed);
+    QCOMPARE(bare.exitCode, 1);
+    QVERIFY2(bare.err.contains("Error parsing database file"), bare.err.constData());
 }
 
 void TestBatch::reportPrintsTheAnalysis()
