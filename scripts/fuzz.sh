@@ -2,7 +2,8 @@
 # Builds the libFuzzer harnesses with clang and runs each for a bounded time.
 #   FUZZ_SECONDS=60 bash scripts/fuzz.sh [harness...]
 # Seeds come from the test corpora; anything that crashes is written to build-fuzz/findings/ and
-# belongs, once fixed, under tests/data/fuzz-regressions/ (the regression test replays that folder).
+# belongs, once fixed, under tests/data/fuzz-regressions/catalog or .../project, which tst_fuzzregressions
+# replays together with the test corpora.
 set -euo pipefail
 here="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 build="${RUNPLAN_FUZZ_BUILD_DIR:-$here/build-fuzz}"
