@@ -8,14 +8,16 @@
 
 using namespace FieldReader;
 
-namespace {
+namespace
+{
 // A "Leader" or "Jumper" element of a fixture; null when it has no name or does not parse.
 VxJumper* readCable(const QDomElement& element, ParseContext& ctx)
 {
     const QString name = childText(element, QStringLiteral("Name"));
     if (name.isEmpty()) {
         if (ctx.reporter)
-            ctx.reporter->warning(QStringLiteral("Error in database file:\nJumper/Leader element with no Name"));
+            ctx.reporter->warning(
+                QStringLiteral("Error in database file:\nJumper/Leader element with no Name"));
         return nullptr;
     }
     auto* cable = new VxJumper(name, VxTechNone);
@@ -26,8 +28,8 @@ VxJumper* readCable(const QDomElement& element, ParseContext& ctx)
     return cable;
 }
 
-void readCables(const QDomElement& element, const QString& listTag, const QString& itemTag, QList<VxJumper*>& out,
-                ParseContext& ctx)
+void readCables(const QDomElement& element, const QString& listTag, const QString& itemTag,
+                QList<VxJumper*>& out, ParseContext& ctx)
 {
     const QDomNodeList lists = element.elementsByTagName(listTag);
     for (int l = 0; l < lists.size(); ++l) {
@@ -109,7 +111,8 @@ bool DLFixture::parse(const QDomElement& element, ParseContext& ctx)
     readDouble(*this, element, QStringLiteral("VoltageDropPercent"), voltageDropPercent, false, rep);
     if (maxVoltageDrop == 0.0 && minVoltage == 0.0 && voltageDropPercent == 0.0) {
         if (rep)
-            rep->warning(QStringLiteral("Error parsing %1\nMaxVoltageDrop, MinVoltage, and VoltageDropPercent are zero")
+            rep->warning(QStringLiteral(
+                             "Error parsing %1\nMaxVoltageDrop, MinVoltage, and VoltageDropPercent are zero")
                              .arg(name));
         return false;
     }
@@ -133,11 +136,14 @@ bool DLPowerSupply::parse(const QDomElement& element, ParseContext& ctx)
     VxPowerSupply::parse(element, ctx);
     Reporter* rep = ctx.reporter;
     readDouble(*this, element, QStringLiteral("MaxElectricalLength"), maxElectricalLength, false, rep);
-    readDouble(*this, element, QStringLiteral("MaxElectricalLengthPerRun"), maxElectricalLengthPerRun, false, rep);
+    readDouble(*this, element, QStringLiteral("MaxElectricalLengthPerRun"), maxElectricalLengthPerRun, false,
+               rep);
     readInt(*this, element, QStringLiteral("MaxNumFixtures"), maxNumFixtures, false, rep);
     if (maxElectricalLength == 0.0 && maxNumFixtures == 0) {
         if (rep)
-            rep->warning(QStringLiteral("Error parsing %1\nMaxElectricalLength and MaxNumFixtures are both zero").arg(name));
+            rep->warning(
+                QStringLiteral("Error parsing %1\nMaxElectricalLength and MaxNumFixtures are both zero")
+                    .arg(name));
         return false;
     }
 
@@ -171,7 +177,8 @@ bool DLReceiver::parse(const QDomElement& element, ParseContext& ctx)
         return true;
     const QDomNodeList lists = element.elementsByTagName(QStringLiteral("ValidJunctionBoxList"));
     for (int l = 0; l < lists.size(); ++l) {
-        const QDomNodeList names = lists.at(l).toElement().elementsByTagName(QStringLiteral("JuncionBoxName"));
+        const QDomNodeList names =
+            lists.at(l).toElement().elementsByTagName(QStringLiteral("JuncionBoxName"));
         for (int n = 0; n < names.size(); ++n) {
             const QString boxName = names.at(n).toElement().text();
             for (DLJunctionBox* box : ctx.catalog->junctionBoxes())

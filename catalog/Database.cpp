@@ -11,7 +11,8 @@
 
 using namespace FieldReader;
 
-namespace {
+namespace
+{
 Database* s_instance = nullptr;
 
 // Catalogs nest a handful of levels. Far deeper documents are refused before the DOM is built,
@@ -32,7 +33,8 @@ bool tooDeep(const QByteArray& bytes, ParseProblem& problem)
         const auto token = reader.readNext();
         if (token == QXmlStreamReader::StartElement) {
             if (++depth > MaxNestingDepth) {
-                problem.message = QStringLiteral("elements nested more than %1 levels deep").arg(MaxNestingDepth);
+                problem.message =
+                    QStringLiteral("elements nested more than %1 levels deep").arg(MaxNestingDepth);
                 problem.line = reader.lineNumber();
                 problem.column = reader.columnNumber();
                 return true;
@@ -164,18 +166,21 @@ void Database::readVersion(const QDomElement& root, Reporter* reporter)
 {
     const QString text = root.firstChildElement(QStringLiteral("DBVersion")).text();
     if (text.isEmpty()) {
-        reporter->warning(QStringLiteral("Error in database file %1:\nDBVersion %2 not found.").arg(m_path, text));
+        reporter->warning(
+            QStringLiteral("Error in database file %1:\nDBVersion %2 not found.").arg(m_path, text));
         return;
     }
     if (!m_version.isEmpty() && m_version != text) {
-        reporter->warning(QStringLiteral("Error in database file %1:\nDBVersion %2 does not match previous (%3)")
-                              .arg(m_path, text, m_version));
+        reporter->warning(
+            QStringLiteral("Error in database file %1:\nDBVersion %2 does not match previous (%3)")
+                .arg(m_path, text, m_version));
         return;
     }
     m_version = text;
 }
 
-namespace {
+namespace
+{
 // Calls f(entry) for every itemTag element below every listTag element of root.
 template <typename F>
 void forEachListed(const QDomElement& root, const QString& listTag, const QString& itemTag, F f)
@@ -203,9 +208,11 @@ double doubleOrZero(const QDomElement& e, const QString& child)
 
 void Database::readControllers(const QDomElement& root)
 {
-    forEachListed(root, QStringLiteral("ControllerList"), QStringLiteral("Controller"), [this](const QDomElement& e) {
-        m_controllers.insert(childText(e, QStringLiteral("Name")), intOrZero(e, QStringLiteral("MaxReceiverCount")));
-    });
+    forEachListed(root, QStringLiteral("ControllerList"), QStringLiteral("Controller"),
+                  [this](const QDomElement& e) {
+                      m_controllers.insert(childText(e, QStringLiteral("Name")),
+                                           intOrZero(e, QStringLiteral("MaxReceiverCount")));
+                  });
 }
 
 void Database::readOutputModes(const QDomElement& root)
@@ -225,64 +232,75 @@ void Database::readBranchWires(const QDomElement& root, ParseContext& ctx)
         auto* wire = new VxJumper(QStringLiteral("BranchWire"), VxTechNone);
         wire->parse(we, ctx);
         m_branchWires.append(wire);
-        forEachListed(we, QStringLiteral("Locations"), QStringLiteral("Location"), [this](const QDomElement& e) {
-            m_locations.insert(childText(e, QStringLiteral("Name")),
-                               doubleOrZero(e, QStringLiteral("SignalDegradationPerFoot")));
-        });
+        forEachListed(we, QStringLiteral("Locations"), QStringLiteral("Location"),
+                      [this](const QDomElement& e) {
+                          m_locations.insert(childText(e, QStringLiteral("Name")),
+                                             doubleOrZero(e, QStringLiteral("SignalDegradationPerFoot")));
+                      });
     }
 }
 
 void Database::readJunctionBoxes(const QDomElement& root, ParseContext& ctx)
 {
-    forEachListed(root, QStringLiteral("JunctionBoxList"), QStringLiteral("JunctionBox"), [&](const QDomElement& e) {
-        const QString name = childText(e, QStringLiteral("Name"));
-        if (name.isEmpty()) {
-            ctx.reporter->warning(QStringLiteral("Error in database file %1:\nJunctionBox element with no Name").arg(m_path));
-            return;
-        }
-        if (techTypeFromKeyword(childText(e, QStringLiteral("Type"))) != VxTechDynaline) {
-            // Junction boxes share the supplies' wording for an unknown type.
-            ctx.reporter->warning(
-                QStringLiteral("Error in database file %1:\nPowerSupply %2 has unknown type").arg(m_path, name));
-            return;
-        }
-        auto* box = new DLJunctionBox(name, VxTechDynaline);
-        box->parse(e, ctx);
-        m_junctionBoxes.append(box);
-    });
+    forEachListed(root, QStringLiteral("JunctionBoxList"), QStringLiteral("JunctionBox"),
+                  [&](const QDomElement& e) {
+                      const QString name = childText(e, QStringLiteral("Name"));
+                      if (name.isEmpty()) {
+                          ctx.reporter->warning(
+                              QStringLiteral("Error in database file %1:\nJunctionBox element with no Name")
+                                  .arg(m_path));
+                          return;
+                      }
+                      if (techTypeFromKeyword(childText(e, QStringLiteral("Type"))) != VxTechDynaline) {
+                          // Junction boxes share the supplies' wording for an unknown type.
+                          ctx.reporter->warning(
+                              QStringLiteral("Error in database file %1:\nPowerSupply %2 has unknown type")
+                                  .arg(m_path, name));
+                          return;
+                      }
+                      auto* box = new DLJunctionBox(name, VxTechDynaline);
+                      box->parse(e, ctx);
+                      m_junctionBoxes.append(box);
+                  });
 }
 
 void Database::readReceivers(const QDomElement& root, ParseContext& ctx)
 {
-    forEachListed(root, QStringLiteral("ReceiverList"), QStringLiteral("Receiver"), [&](const QDomElement& e) {
-        const QString name = childText(e, QStringLiteral("Name"));
-        if (name.isEmpty()) {
-            ctx.reporter->warning(QStringLiteral("Error in database file %1:\nReceiver element with no Name").arg(m_path));
-            return;
-        }
-        auto* receiver = new DLReceiver(name, VxTechDynaline);
-        receiver->parse(e, ctx);
-        m_receivers.append(receiver);
-    });
+    forEachListed(
+        root, QStringLiteral("ReceiverList"), QStringLiteral("Receiver"), [&](const QDomElement& e) {
+            const QString name = childText(e, QStringLiteral("Name"));
+            if (name.isEmpty()) {
+                ctx.reporter->warning(
+                    QStringLiteral("Error in database file %1:\nReceiver element with no Name").arg(m_path));
+                return;
+            }
+            auto* receiver = new DLReceiver(name, VxTechDynaline);
+            receiver->parse(e, ctx);
+            m_receivers.append(receiver);
+        });
 }
 
 void Database::readSupplies(const QDomElement& root, ParseContext& ctx)
 {
-    forEachListed(root, QStringLiteral("PowerSupplyList"), QStringLiteral("PowerSupply"), [&](const QDomElement& e) {
-        const QString name = childText(e, QStringLiteral("Name"));
-        if (name.isEmpty()) {
-            ctx.reporter->warning(QStringLiteral("Error in database file %1:\nPowerSupply element with no Name").arg(m_path));
-            return;
-        }
-        if (techTypeFromKeyword(childText(e, QStringLiteral("Type"))) != VxTechDynaline) {
-            ctx.reporter->warning(
-                QStringLiteral("Error in database file %1:\nPowerSupply %2 has unknown type").arg(m_path, name));
-            return;
-        }
-        auto* supply = new DLPowerSupply(name, VxTechDynaline);
-        supply->parse(e, ctx);
-        m_supplies.append(supply);
-    });
+    forEachListed(root, QStringLiteral("PowerSupplyList"), QStringLiteral("PowerSupply"),
+                  [&](const QDomElement& e) {
+                      const QString name = childText(e, QStringLiteral("Name"));
+                      if (name.isEmpty()) {
+                          ctx.reporter->warning(
+                              QStringLiteral("Error in database file %1:\nPowerSupply element with no Name")
+                                  .arg(m_path));
+                          return;
+                      }
+                      if (techTypeFromKeyword(childText(e, QStringLiteral("Type"))) != VxTechDynaline) {
+                          ctx.reporter->warning(
+                              QStringLiteral("Error in database file %1:\nPowerSupply %2 has unknown type")
+                                  .arg(m_path, name));
+                          return;
+                      }
+                      auto* supply = new DLPowerSupply(name, VxTechDynaline);
+                      supply->parse(e, ctx);
+                      m_supplies.append(supply);
+                  });
 }
 
 void Database::readFixtures(const QDomElement& root, ParseContext& ctx)
@@ -291,7 +309,8 @@ void Database::readFixtures(const QDomElement& root, ParseContext& ctx)
     forEachListed(root, QStringLiteral("FixtureList"), QStringLiteral("Fixture"), [&](const QDomElement& e) {
         const QString name = childText(e, QStringLiteral("Name"));
         if (name.isEmpty()) {
-            ctx.reporter->warning(QStringLiteral("Error in database file %1:\nFixture element with no Name").arg(m_path));
+            ctx.reporter->warning(
+                QStringLiteral("Error in database file %1:\nFixture element with no Name").arg(m_path));
             return;
         }
         if (techTypeFromKeyword(childText(e, QStringLiteral("Type"))) != VxTechDynaline) {

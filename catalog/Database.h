@@ -47,7 +47,10 @@ public:
     DLFixture* fixtureNamed(const QString& name) const;
     DLReceiver* receiverNamed(const QString& name) const;
     DLJunctionBox* junctionBoxNamed(const QString& name) const;
-    const VxJumper* firstBranchWire() const { return m_branchWires.isEmpty() ? nullptr : m_branchWires.first(); }
+    const VxJumper* firstBranchWire() const
+    {
+        return m_branchWires.isEmpty() ? nullptr : m_branchWires.first();
+    }
 
     static int techTypeFromKeyword(const QString& keyword);
 

@@ -5,7 +5,8 @@
 
 #include <cmath>
 
-namespace FieldReader {
+namespace FieldReader
+{
 
 bool toInt(const QString& text, int& out)
 {
@@ -31,7 +32,8 @@ QString childText(const QDomElement& element, const QString& child)
     return element.firstChildElement(child).text();
 }
 
-namespace {
+namespace
+{
 template <typename Convert>
 bool readField(const VxItem& record, const QDomElement& element, const QString& child, bool required,
                Reporter* reporter, Convert convert)
@@ -48,7 +50,8 @@ bool readField(const VxItem& record, const QDomElement& element, const QString& 
 bool readInt(const VxItem& record, const QDomElement& element, const QString& child, int& dest, bool required,
              Reporter* reporter)
 {
-    return readField(record, element, child, required, reporter, [&](const QString& t) { return toInt(t, dest); });
+    return readField(record, element, child, required, reporter,
+                     [&](const QString& t) { return toInt(t, dest); });
 }
 
 bool readDouble(const VxItem& record, const QDomElement& element, const QString& child, double& dest,
@@ -70,8 +73,8 @@ bool readFloat(const VxItem& record, const QDomElement& element, const QString& 
     });
 }
 
-bool readBool(const VxItem& record, const QDomElement& element, const QString& child, bool& dest, bool required,
-              Reporter* reporter)
+bool readBool(const VxItem& record, const QDomElement& element, const QString& child, bool& dest,
+              bool required, Reporter* reporter)
 {
     return readField(record, element, child, required, reporter, [&](const QString& t) {
         int v = 0;

@@ -12,7 +12,8 @@
 
 using namespace FieldReader;
 
-namespace {
+namespace
+{
 void readShortName(VxItem& item, const QDomElement& element)
 {
     const QDomElement e = element.firstChildElement(QStringLiteral("ShortName"));
@@ -26,7 +27,8 @@ void readFrequencyAttributes(const VxItem& record, const QDomElement& voltageEle
 {
     const QDomNodeList lists = voltageElement.elementsByTagName(QStringLiteral("FrequencyAttributes"));
     for (int l = 0; l < lists.size(); ++l) {
-        const QDomNodeList attrs = lists.at(l).toElement().elementsByTagName(QStringLiteral("FrequencyAttribute"));
+        const QDomNodeList attrs =
+            lists.at(l).toElement().elementsByTagName(QStringLiteral("FrequencyAttribute"));
         for (int a = 0; a < attrs.size(); ++a) {
             const QDomElement attr = attrs.at(a).toElement();
             int hertz = 0;
@@ -40,8 +42,25 @@ void readFrequencyAttributes(const VxItem& record, const QDomElement& voltageEle
     }
 }
 
-template <typename T>
-T nearestImpl(const QMap<int, T>& table, int key, T defaultValue)
+// Calls f(element, volts) for every "Voltage" with a readable "Value" below every listTag element;
+// a "Voltage" without one is skipped whole.
+template <typename F>
+void forEachVoltage(const VxItem& record, const QDomElement& element, const QString& listTag,
+                    Reporter* reporter, F f)
+{
+    const QDomNodeList lists = element.elementsByTagName(listTag);
+    for (int l = 0; l < lists.size(); ++l) {
+        const QDomNodeList voltages = lists.at(l).toElement().elementsByTagName(QStringLiteral("Voltage"));
+        for (int v = 0; v < voltages.size(); ++v) {
+            const QDomElement ve = voltages.at(v).toElement();
+            int volts = 0;
+            if (readInt(record, ve, QStringLiteral("Value"), volts, true, reporter))
+                f(ve, volts);
+        }
+    }
+}
+
+template <typename T> T nearestImpl(const QMap<int, T>& table, int key, T defaultValue)
 {
     if (key == 0)
         return defaultValue;
@@ -67,7 +86,8 @@ T nearestImpl(const QMap<int, T>& table, int key, T defaultValue)
 
 // ---------------------------------------------------------------------------------------------
 
-namespace VoltageLookup {
+namespace VoltageLookup
+{
 double nearest(const QMap<int, double>& table, int key, double defaultValue)
 {
     return nearestImpl(table, key, defaultValue);
@@ -162,15 +182,18 @@ bool VxJumper::parse(const QDomElement& element, ParseContext& ctx)
     if (!lists.isEmpty()) {
         hasCustomWires = true;
         readInt(*this, element, QStringLiteral("DefaultCustomWire"), defaultCustomWire, false, ctx.reporter);
-        readDouble(*this, element, QStringLiteral("DefaultCustomLength"), defaultCustomLength, false, ctx.reporter);
+        readDouble(*this, element, QStringLiteral("DefaultCustomLength"), defaultCustomLength, false,
+                   ctx.reporter);
         for (int l = 0; l < lists.size(); ++l) {
-            const QDomNodeList wires = lists.at(l).toElement().elementsByTagName(QStringLiteral("CustomWire"));
+            const QDomNodeList wires =
+                lists.at(l).toElement().elementsByTagName(QStringLiteral("CustomWire"));
             for (int w = 0; w < wires.size(); ++w) {
                 const QDomElement we = wires.at(w).toElement();
                 const QString wireName = childText(we, QStringLiteral("Name"));
                 if (wireName.isEmpty()) {
                     if (ctx.reporter)
-                        ctx.reporter->warning(QStringLiteral("Error in database file:\nCustomWire element with no Name"));
+                        ctx.reporter->warning(
+                            QStringLiteral("Error in database file:\nCustomWire element with no Name"));
                     continue;
                 }
                 auto* wire = new VxWire(wireName, VxTechNone);
@@ -186,7 +209,8 @@ bool VxJumper::parse(const QDomElement& element, ParseContext& ctx)
     bool ok = readDouble(*this, element, QStringLiteral("Resistance"), resistance, true, ctx.reporter);
     if (ok) {
         resistance /= 1000.0;
-        ok = readDouble(*this, element, QStringLiteral("ElectricalLength"), electricalLength, true, ctx.reporter);
+        ok = readDouble(*this, element, QStringLiteral("ElectricalLength"), electricalLength, true,
+                        ctx.reporter);
     }
     if (!readDouble(*this, element, QStringLiteral("MaxLeaderLength"), maxLeaderLength, false, ctx.reporter))
         maxLeaderLength = 999.0;
@@ -250,8 +274,10 @@ void VxFixture::readValidSupplies(const QDomElement& element, const QList<VxPowe
             }
             if (!match) {
                 if (ctx.reporter)
-                    ctx.reporter->warning(QStringLiteral("Error parsing \"Valid Supply\" item for fixture %1.\nSupply %2 not defined.")
-                                              .arg(name, wanted));
+                    ctx.reporter->warning(
+                        QStringLiteral(
+                            "Error parsing \"Valid Supply\" item for fixture %1.\nSupply %2 not defined.")
+                            .arg(name, wanted));
                 continue;
             }
             validSupplies.append(match);
@@ -262,14 +288,8 @@ void VxFixture::readValidSupplies(const QDomElement& element, const QList<VxPowe
 
 void VxFixture::readValidVoltages(const QDomElement& element, ParseContext& ctx)
 {
-    const QDomNodeList lists = element.elementsByTagName(QStringLiteral("ValidVoltages"));
-    for (int l = 0; l < lists.size(); ++l) {
-        const QDomNodeList voltages = lists.at(l).toElement().elementsByTagName(QStringLiteral("Voltage"));
-        for (int v = 0; v < voltages.size(); ++v) {
-            const QDomElement ve = voltages.at(v).toElement();
-            int volts = 0;
-            if (!readInt(*this, ve, QStringLiteral("Value"), volts, true, ctx.reporter))
-                continue;
+    forEachVoltage(
+        *this, element, QStringLiteral("ValidVoltages"), ctx.reporter, [&](const QDomElement& ve, int volts) {
             validVoltages.append(volts);
             double d = 0.0;
             int i = 0;
@@ -277,17 +297,19 @@ void VxFixture::readValidVoltages(const QDomElement& element, ParseContext& ctx)
                 powerFactorByVoltage.insert(volts, d);
             if (readInt(*this, ve, QStringLiteral("VoltageMaxFixtureCount"), i, false, ctx.reporter) && i > 0)
                 maxCountByVoltage.insert(volts, i);
-            if (readInt(*this, ve, QStringLiteral("Voltage15AmpMaxFixtureCount"), i, false, ctx.reporter) && i > 0)
+            if (readInt(*this, ve, QStringLiteral("Voltage15AmpMaxFixtureCount"), i, false, ctx.reporter) &&
+                i > 0)
                 maxCount15AByVoltage.insert(volts, i);
-            if (readInt(*this, ve, QStringLiteral("Voltage20AmpMaxFixtureCount"), i, false, ctx.reporter) && i > 0)
+            if (readInt(*this, ve, QStringLiteral("Voltage20AmpMaxFixtureCount"), i, false, ctx.reporter) &&
+                i > 0)
                 maxCount20AByVoltage.insert(volts, i);
-            if (readDouble(*this, ve, QStringLiteral("VoltageMaxFixtureCurrent"), d, false, ctx.reporter) && d > 0)
+            if (readDouble(*this, ve, QStringLiteral("VoltageMaxFixtureCurrent"), d, false, ctx.reporter) &&
+                d > 0)
                 maxCurrentByVoltage.insert(volts, d);
             if (readDouble(*this, ve, QStringLiteral("VoltagePower"), d, false, ctx.reporter) && d > 0)
                 powerByVoltage.insert(volts, d);
             readFrequencyAttributes(*this, ve, volts, frequencyAttributes, ctx.reporter);
-        }
-    }
+        });
 }
 
 double VxFixture::maxFixtureCurrentAt(int volts) const
@@ -313,17 +335,10 @@ FrequencyAttribute VxPowerSupply::voltageAttribute(int volts, int hertz) const
 
 void VxPowerSupply::readVoltageAttributes(const QDomElement& element, ParseContext& ctx)
 {
-    const QDomNodeList lists = element.elementsByTagName(QStringLiteral("VoltageAttributes"));
-    for (int l = 0; l < lists.size(); ++l) {
-        const QDomNodeList voltages = lists.at(l).toElement().elementsByTagName(QStringLiteral("Voltage"));
-        for (int v = 0; v < voltages.size(); ++v) {
-            const QDomElement ve = voltages.at(v).toElement();
-            int volts = 0;
-            if (!readInt(*this, ve, QStringLiteral("Value"), volts, true, ctx.reporter))
-                continue;
-            readFrequencyAttributes(*this, ve, volts, voltageAttributes, ctx.reporter);
-        }
-    }
+    forEachVoltage(*this, element, QStringLiteral("VoltageAttributes"), ctx.reporter,
+                   [&](const QDomElement& ve, int volts) {
+                       readFrequencyAttributes(*this, ve, volts, voltageAttributes, ctx.reporter);
+                   });
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -364,7 +379,8 @@ bool VxJunctionBox::parse(const QDomElement& element, ParseContext& ctx)
 
 int VxJunctionBox::portsLeft(const QList<BoxEntry>& entries, int kindCode) const
 {
-    const long long left = static_cast<long long>(numPorts) - entries.size() - reservedPorts.value(kindCode, 0);
+    const long long left =
+        static_cast<long long>(numPorts) - entries.size() - reservedPorts.value(kindCode, 0);
     return static_cast<int>(std::clamp<long long>(left, INT_MIN, INT_MAX));
 }
 
@@ -380,7 +396,8 @@ float VxJunctionBox::volumeLeft(const QList<BoxEntry>& entries, int kindCode, fl
     return volume - largest - repeated - reserve + allowance;
 }
 
-namespace {
+namespace
+{
 int truncToInt(double v)
 {
     if (!std::isfinite(v))
@@ -394,7 +411,8 @@ int capacity(const VxJunctionBox& box, const QList<BoxEntry>& entries, int kindC
     const int ports = box.portsLeft(entries, kindCode);
     if (conductorVolume <= 0.0f)
         return ports;
-    const double byVolume = double(box.volumeLeft(entries, kindCode, allowance)) / (conductors * double(conductorVolume));
+    const double byVolume =
+        double(box.volumeLeft(entries, kindCode, allowance)) / (conductors * double(conductorVolume));
     return std::min(ports, truncToInt(byVolume));
 }
 } // namespace

@@ -11,7 +11,13 @@ class Reporter;
 class Database;
 
 // Technology of a catalog record, as stored in the database's "Type" element.
-enum VxTechType { VxTechNone = 0, VxTechDynaline = 1, VxTechTintrail = 2, VxTechPixelon = 3, VxTechPxRibbon = 4 };
+enum VxTechType {
+    VxTechNone = 0,
+    VxTechDynaline = 1,
+    VxTechTintrail = 2,
+    VxTechPixelon = 3,
+    VxTechPxRibbon = 4
+};
 
 // What a record's parse needs besides its element: where to report, and the catalog being loaded
 // (a receiver resolves its junction-box names against it).
@@ -83,7 +89,8 @@ public:
 };
 
 // Per-voltage lookups shared by the fixture tables.
-namespace VoltageLookup {
+namespace VoltageLookup
+{
 // Nearest entry: key 0 gives the default; else the exact non-zero entry; else the nearest voltage
 // (a strictly smaller distance from a bound of 10000 wins, so the lower voltage wins a tie); else 0.
 double nearest(const QMap<int, double>& table, int key, double defaultValue);
@@ -105,7 +112,8 @@ public:
     bool isRecordElement(const QDomElement& element) const override;
 
     // Reads "ValidSupplyList" against the supplies already in the catalog (two-way link).
-    void readValidSupplies(const QDomElement& element, const QList<VxPowerSupply*>& supplies, ParseContext& ctx);
+    void readValidSupplies(const QDomElement& element, const QList<VxPowerSupply*>& supplies,
+                           ParseContext& ctx);
     // Reads "ValidVoltages" into the per-voltage tables.
     void readValidVoltages(const QDomElement& element, ParseContext& ctx);
 

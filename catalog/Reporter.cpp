@@ -2,7 +2,8 @@
 
 #include <cstdio>
 
-namespace {
+namespace
+{
 StderrReporter g_stderrReporter;
 Reporter* g_reporter = nullptr;
 } // namespace

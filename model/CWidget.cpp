@@ -9,14 +9,16 @@
 
 QString propertyName(int id)
 {
-    static const char* const names[PropertyIdCount] = {"name",       "type",       "gauge",    "length",        "junctionBox",
-                                                       "outputMode", "inputMode",  "location", "dynaLineLength"};
+    static const char* const names[PropertyIdCount] = {"name",      "type",        "gauge",
+                                                       "length",    "junctionBox", "outputMode",
+                                                       "inputMode", "location",    "dynaLineLength"};
     if (id < 0 || id >= PropertyIdCount)
         return QString();
     return QString::fromLatin1(names[id]);
 }
 
-namespace {
+namespace
+{
 bool g_loading = false;
 
 int roundToInt(double v)
@@ -60,7 +62,8 @@ EditorSpec readOnlyOf(const QString& text)
 }
 } // namespace
 
-namespace ComponentLoading {
+namespace ComponentLoading
+{
 bool active()
 {
     return g_loading;
@@ -415,7 +418,8 @@ CableWidget::CableWidget(const Database* db, DLFixture* fixture, int itemType, d
     }
     if (!fixture)
         return;
-    const VxJumper* cable = itemType == ItemLeader ? fixture->defaultLeaderCable() : fixture->defaultJumperCable();
+    const VxJumper* cable =
+        itemType == ItemLeader ? fixture->defaultLeaderCable() : fixture->defaultJumperCable();
     if (!cable)
         return;
     m_type = cable->name;
@@ -557,7 +561,8 @@ QList<int> JumperWidget::propertyIds() const
 // =============================================================================================
 // FixtureWidget
 
-FixtureWidget::FixtureWidget(const Database* db, DLFixture* rec, int ordinal) : CWidget(db, rec, ItemFixture, ordinal)
+FixtureWidget::FixtureWidget(const Database* db, DLFixture* rec, int ordinal)
+    : CWidget(db, rec, ItemFixture, ordinal)
 {
 }
 
@@ -596,7 +601,8 @@ QString FixtureWidget::effectiveMode() const
 // =============================================================================================
 // ReceiverWidget
 
-ReceiverWidget::ReceiverWidget(const Database* db, DLReceiver* rec, int ordinal) : CWidget(db, rec, ItemReceiver, ordinal)
+ReceiverWidget::ReceiverWidget(const Database* db, DLReceiver* rec, int ordinal)
+    : CWidget(db, rec, ItemReceiver, ordinal)
 {
     if (ComponentLoading::active() || !db)
         return;
@@ -659,7 +665,8 @@ bool ReceiverWidget::fits(const DLJunctionBox* box) const
     if (!box)
         return false;
     const float volume = conductorVolume();
-    const long long room = static_cast<long long>(box->capacityA({}, 1, volume, 0.0f)) + box->capacityB({}, 1, volume, 0.0f);
+    const long long room =
+        static_cast<long long>(box->capacityA({}, 1, volume, 0.0f)) + box->capacityB({}, 1, volume, 0.0f);
     return childCount() <= room;
 }
 
@@ -699,8 +706,8 @@ QVariant ReceiverWidget::cellData(int column, int role) const
     QVariant base = CWidget::cellData(column, role);
     if (role != Qt::ToolTipRole)
         return base;
-    return base.toString() + QStringLiteral("\nFixture Run Length: ") + QString::number(dynaLineLength(), 'g', 6) +
-           QStringLiteral(" ft");
+    return base.toString() + QStringLiteral("\nFixture Run Length: ") +
+           QString::number(dynaLineLength(), 'g', 6) + QStringLiteral(" ft");
 }
 
 // =============================================================================================
@@ -804,7 +811,8 @@ void BranchWireWidget::applyEditorValue(int id, const QVariant& value)
 // =============================================================================================
 // JunctionBoxWidget
 
-JunctionBoxWidget::JunctionBoxWidget(const Database* db, DLJunctionBox* rec) : CWidget(db, rec, ItemJunctionBox, 0)
+JunctionBoxWidget::JunctionBoxWidget(const Database* db, DLJunctionBox* rec)
+    : CWidget(db, rec, ItemJunctionBox, 0)
 {
     if (!ComponentLoading::active() && db && !db->junctionBoxes().isEmpty())
         m_type = db->junctionBoxes().first()->name;
@@ -869,11 +877,13 @@ CWidget* createComponent(const Database* db, int kind, const QString& name, int 
         return new JumperWidget(db, rec);
     }
     case ItemReceiver:
-        return new ReceiverWidget(db, db->receivers().isEmpty() ? nullptr : db->receivers().first(), index + 1);
+        return new ReceiverWidget(db, db->receivers().isEmpty() ? nullptr : db->receivers().first(),
+                                  index + 1);
     case ItemBranchWire:
         return new BranchWireWidget(db, db->firstBranchWire());
     case ItemJunctionBox:
-        return new JunctionBoxWidget(db, db->junctionBoxes().isEmpty() ? nullptr : db->junctionBoxes().first());
+        return new JunctionBoxWidget(db,
+                                     db->junctionBoxes().isEmpty() ? nullptr : db->junctionBoxes().first());
     default:
         return nullptr;
     }

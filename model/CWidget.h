@@ -47,12 +47,28 @@ enum PropertyId {
 // The attribute / property name of an id; empty above 8.
 QString propertyName(int id);
 
-namespace Modes {
-inline QString feedwise() { return QStringLiteral("Feedwise"); }
-inline QString dynaline() { return QStringLiteral("Dynaline"); }
-inline QString lineVoltage() { return QStringLiteral("Line Voltage"); }
-inline QString undefined() { return QStringLiteral("UNDEFINED"); }
-inline QString aboveGround() { return QStringLiteral("Above Ground"); }
+namespace Modes
+{
+inline QString feedwise()
+{
+    return QStringLiteral("Feedwise");
+}
+inline QString dynaline()
+{
+    return QStringLiteral("Dynaline");
+}
+inline QString lineVoltage()
+{
+    return QStringLiteral("Line Voltage");
+}
+inline QString undefined()
+{
+    return QStringLiteral("UNDEFINED");
+}
+inline QString aboveGround()
+{
+    return QStringLiteral("Above Ground");
+}
 } // namespace Modes
 
 // What an editor for one property offers: the allowed choices or the spin-box limits.
@@ -60,7 +76,7 @@ inline QString aboveGround() { return QStringLiteral("Above Ground"); }
 struct EditorSpec {
     enum Kind { None, Combo, Spin, ReadOnlyText };
     Kind kind = None;
-    QStringList choices; // combo, in order
+    QStringList choices;   // combo, in order
     int currentIndex = -1; // combo: the entry equal to the current value, -1 when none
     int value = 0;         // spin
     int minimum = 1;       // spin
@@ -71,7 +87,8 @@ struct EditorSpec {
 
 // Loading flag: set while a component element of a project file is read, so creation defaults
 // from the catalog are not applied (the file supplies every value).
-namespace ComponentLoading {
+namespace ComponentLoading
+{
 bool active();
 void setActive(bool on);
 } // namespace ComponentLoading
@@ -92,7 +109,10 @@ public:
     int ordinal() const { return m_ordinal; }
     void setOrdinal(int o) { m_ordinal = o; }
 
-    bool isCable() const { return m_itemType == ItemLeader || m_itemType == ItemJumper || m_itemType == ItemBranchWire; }
+    bool isCable() const
+    {
+        return m_itemType == ItemLeader || m_itemType == ItemJumper || m_itemType == ItemBranchWire;
+    }
     bool isInvisibleRoot() const { return m_itemType == ItemInvisibleRoot; }
 
     // Tree
@@ -111,7 +131,8 @@ public:
     void insertChildAt(int row, CWidget* child);
     // Detaches and returns the child at row (the caller owns it).
     CWidget* takeChild(int row);
-    int countInSubtree(int kind) const; // components of a kind (ItemAny: all) in this subtree, itself included
+    int
+    countInSubtree(int kind) const; // components of a kind (ItemAny: all) in this subtree, itself included
 
     // Properties
     virtual QString name() const;
@@ -200,7 +221,8 @@ class CableWidget : public CWidget
     Q_PROPERTY(double length READ length WRITE setLength)
     Q_PROPERTY(QString fixtureName READ fixtureName)
 public:
-    CableWidget(const Database* db, DLFixture* fixture, int itemType, double defaultLength, const CableWidget* handed);
+    CableWidget(const Database* db, DLFixture* fixture, int itemType, double defaultLength,
+                const CableWidget* handed);
 
     QString type() const { return m_type; }
     void setType(const QString& t) { m_type = t; }
@@ -282,8 +304,8 @@ public:
 
     // Conductor volume of the branch wire above (2.25 when the parent is not a branch wire).
     float conductorVolume() const;
-    int capacityA() const; // junction boxes it can take
-    int capacityB() const; // fixtures and leaders it can take
+    int capacityA() const;           // junction boxes it can take
+    int capacityB() const;           // fixtures and leaders it can take
     bool canTakeJunctionBox() const; // test A
     bool canTakeFixtures() const;    // test B
     // Whether the box could hold this receiver's present outputs.

@@ -2,7 +2,8 @@
 
 #include "model/CWidget.h"
 
-CWidgetModel::CWidgetModel(QObject* parent) : QAbstractItemModel(parent), m_root(new CWidget(nullptr, nullptr, ItemInvisibleRoot))
+CWidgetModel::CWidgetModel(QObject* parent)
+    : QAbstractItemModel(parent), m_root(new CWidget(nullptr, nullptr, ItemInvisibleRoot))
 {
 }
 
@@ -79,9 +80,10 @@ bool CWidgetModel::setData(const QModelIndex& index, const QVariant& value, int 
 
 QVariant CWidgetModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    static const char* const headers[PropertyIdCount] = {"Name",        "Type",       "Gauge",    "Length",
-                                                         "Junction Box", "Output Mode", "Input Mode", "Location",
-                                                         "DL / Line Voltage Length"};
+    static const char* const headers[PropertyIdCount] = {
+        "Name",       "Type",         "Gauge",
+        "Length",     "Junction Box", "Output Mode",
+        "Input Mode", "Location",     "DL / Line Voltage Length"};
     if (orientation == Qt::Horizontal) {
         if ((role == Qt::DisplayRole || role == Qt::EditRole) && section >= 0 && section < PropertyIdCount)
             return tr(headers[section]);

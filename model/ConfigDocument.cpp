@@ -7,7 +7,8 @@
 #include <QItemSelectionModel>
 
 ConfigDocument::ConfigDocument(const Database* db, QObject* parent)
-    : QObject(parent), m_db(db), m_model(new CWidgetModel(this)), m_selection(new QItemSelectionModel(m_model, this))
+    : QObject(parent), m_db(db), m_model(new CWidgetModel(this)),
+      m_selection(new QItemSelectionModel(m_model, this))
 {
 }
 
@@ -72,7 +73,8 @@ void ConfigDocument::adopt(CWidget* w)
     QList<CWidget*> pending{w};
     while (!pending.isEmpty()) {
         CWidget* c = pending.takeLast();
-        connect(c, &CWidget::valueChanged, this, &ConfigDocument::onComponentValueChanged, Qt::UniqueConnection);
+        connect(c, &CWidget::valueChanged, this, &ConfigDocument::onComponentValueChanged,
+                Qt::UniqueConnection);
         if (auto* wire = qobject_cast<BranchWireWidget*>(c))
             connect(wire, &BranchWireWidget::locationChanged, this, &ConfigDocument::setLastLocation,
                     Qt::UniqueConnection);

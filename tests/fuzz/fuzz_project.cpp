@@ -24,8 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     RecordingReporter reporter;
     ConfigDocument doc(&db);
     HeaderValues header;
-    ProjectFile::read(QByteArray(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)), doc, header,
-                      &reporter);
+    ProjectFile::read(QByteArray(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)), doc,
+                      header, &reporter);
     (void)ProjectFile::toBytes(doc, header);
     doc.clear();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
