@@ -240,40 +240,45 @@ void Database::readBranchWires(const QDomElement& root, ParseContext& ctx)
     }
 }
 
+QString Database::acceptedName(const QDomElement& e, const QString& kind, const QString& typeKind,
+                               Reporter* reporter) const
+{
+    const QString name = childText(e, QStringLiteral("Name"));
+    if (name.isEmpty()) {
+        reporter->warning(
+            QStringLiteral("Error in database file %1:\n%2 element with no Name").arg(m_path, kind));
+        return QString();
+    }
+    if (!typeKind.isEmpty() && techTypeFromKeyword(childText(e, QStringLiteral("Type"))) != VxTechDynaline) {
+        reporter->warning(
+            QStringLiteral("Error in database file %1:\n%2 %3 has unknown type").arg(m_path, typeKind, name));
+        return QString();
+    }
+    return name;
+}
+
 void Database::readJunctionBoxes(const QDomElement& root, ParseContext& ctx)
 {
-    forEachListed(root, QStringLiteral("JunctionBoxList"), QStringLiteral("JunctionBox"),
-                  [&](const QDomElement& e) {
-                      const QString name = childText(e, QStringLiteral("Name"));
-                      if (name.isEmpty()) {
-                          ctx.reporter->warning(
-                              QStringLiteral("Error in database file %1:\nJunctionBox element with no Name")
-                                  .arg(m_path));
-                          return;
-                      }
-                      if (techTypeFromKeyword(childText(e, QStringLiteral("Type"))) != VxTechDynaline) {
-                          // Junction boxes share the supplies' wording for an unknown type.
-                          ctx.reporter->warning(
-                              QStringLiteral("Error in database file %1:\nPowerSupply %2 has unknown type")
-                                  .arg(m_path, name));
-                          return;
-                      }
-                      auto* box = new DLJunctionBox(name, VxTechDynaline);
-                      box->parse(e, ctx);
-                      m_junctionBoxes.append(box);
-                  });
+    forEachListed(
+        root, QStringLiteral("JunctionBoxList"), QStringLiteral("JunctionBox"), [&](const QDomElement& e) {
+            // Junction boxes share the supplies' wording for an unknown type.
+            const QString name =
+                acceptedName(e, QStringLiteral("JunctionBox"), QStringLiteral("PowerSupply"), ctx.reporter);
+            if (name.isEmpty())
+                return;
+            auto* box = new DLJunctionBox(name, VxTechDynaline);
+            box->parse(e, ctx);
+            m_junctionBoxes.append(box);
+        });
 }
 
 void Database::readReceivers(const QDomElement& root, ParseContext& ctx)
 {
     forEachListed(
         root, QStringLiteral("ReceiverList"), QStringLiteral("Receiver"), [&](const QDomElement& e) {
-            const QString name = childText(e, QStringLiteral("Name"));
-            if (name.isEmpty()) {
-                ctx.reporter->warning(
-                    QStringLiteral("Error in database file %1:\nReceiver element with no Name").arg(m_path));
+            const QString name = acceptedName(e, QStringLiteral("Receiver"), QString(), ctx.reporter);
+            if (name.isEmpty())
                 return;
-            }
             auto* receiver = new DLReceiver(name, VxTechDynaline);
             receiver->parse(e, ctx);
             m_receivers.append(receiver);
@@ -282,42 +287,26 @@ void Database::readReceivers(const QDomElement& root, ParseContext& ctx)
 
 void Database::readSupplies(const QDomElement& root, ParseContext& ctx)
 {
-    forEachListed(root, QStringLiteral("PowerSupplyList"), QStringLiteral("PowerSupply"),
-                  [&](const QDomElement& e) {
-                      const QString name = childText(e, QStringLiteral("Name"));
-                      if (name.isEmpty()) {
-                          ctx.reporter->warning(
-                              QStringLiteral("Error in database file %1:\nPowerSupply element with no Name")
-                                  .arg(m_path));
-                          return;
-                      }
-                      if (techTypeFromKeyword(childText(e, QStringLiteral("Type"))) != VxTechDynaline) {
-                          ctx.reporter->warning(
-                              QStringLiteral("Error in database file %1:\nPowerSupply %2 has unknown type")
-                                  .arg(m_path, name));
-                          return;
-                      }
-                      auto* supply = new DLPowerSupply(name, VxTechDynaline);
-                      supply->parse(e, ctx);
-                      m_supplies.append(supply);
-                  });
+    forEachListed(
+        root, QStringLiteral("PowerSupplyList"), QStringLiteral("PowerSupply"), [&](const QDomElement& e) {
+            const QString name =
+                acceptedName(e, QStringLiteral("PowerSupply"), QStringLiteral("PowerSupply"), ctx.reporter);
+            if (name.isEmpty())
+                return;
+            auto* supply = new DLPowerSupply(name, VxTechDynaline);
+            supply->parse(e, ctx);
+            m_supplies.append(supply);
+        });
 }
 
 void Database::readFixtures(const QDomElement& root, ParseContext& ctx)
 {
     const QList<VxPowerSupply*> supplies(m_supplies.cbegin(), m_supplies.cend());
     forEachListed(root, QStringLiteral("FixtureList"), QStringLiteral("Fixture"), [&](const QDomElement& e) {
-        const QString name = childText(e, QStringLiteral("Name"));
-        if (name.isEmpty()) {
-            ctx.reporter->warning(
-                QStringLiteral("Error in database file %1:\nFixture element with no Name").arg(m_path));
+        const QString name =
+            acceptedName(e, QStringLiteral("Fixture"), QStringLiteral("Fixture"), ctx.reporter);
+        if (name.isEmpty())
             return;
-        }
-        if (techTypeFromKeyword(childText(e, QStringLiteral("Type"))) != VxTechDynaline) {
-            ctx.reporter->warning(
-                QStringLiteral("Error in database file %1:\nFixture %2 has unknown type").arg(m_path, name));
-            return;
-        }
         auto* fixture = new DLFixture(name, VxTechDynaline);
         fixture->parse(e, ctx);
         fixture->readValidSupplies(e, supplies, ctx);

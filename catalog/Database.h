@@ -60,6 +60,10 @@ private:
     void readControllers(const QDomElement& root);
     void readBranchWires(const QDomElement& root, ParseContext& ctx);
     void readOutputModes(const QDomElement& root);
+    // The element's name, or empty after reporting a missing name or (when typeKind is given) a type
+    // other than Dynaline.
+    QString acceptedName(const QDomElement& e, const QString& kind, const QString& typeKind,
+                         Reporter* reporter) const;
     void readJunctionBoxes(const QDomElement& root, ParseContext& ctx);
     void readReceivers(const QDomElement& root, ParseContext& ctx);
     void readSupplies(const QDomElement& root, ParseContext& ctx);
