@@ -33,32 +33,32 @@ QString lengthText(double v)
     return QString::number(v, 'g', 6) + QStringLiteral(" ft");
 }
 
-EditorSpec comboOf(const QStringList& choices, const QString& current)
+EditorRule comboOf(const QStringList& choices, const QString& current)
 {
-    EditorSpec spec;
-    spec.kind = EditorSpec::Combo;
-    spec.choices = choices;
-    spec.currentIndex = choices.indexOf(current);
-    return spec;
+    EditorRule rule;
+    rule.kind = EditorRule::Combo;
+    rule.choices = choices;
+    rule.currentIndex = choices.indexOf(current);
+    return rule;
 }
 
-EditorSpec spinOf(int value, int maximum)
+EditorRule spinOf(int value, int maximum)
 {
-    EditorSpec spec;
-    spec.kind = EditorSpec::Spin;
-    spec.minimum = 1;
-    spec.maximum = maximum;
-    spec.value = value;
-    spec.suffix = QStringLiteral(" ft");
-    return spec;
+    EditorRule rule;
+    rule.kind = EditorRule::Spin;
+    rule.minimum = 1;
+    rule.maximum = maximum;
+    rule.value = value;
+    rule.suffix = QStringLiteral(" ft");
+    return rule;
 }
 
-EditorSpec readOnlyOf(const QString& text)
+EditorRule readOnlyOf(const QString& text)
 {
-    EditorSpec spec;
-    spec.kind = EditorSpec::ReadOnlyText;
-    spec.text = text;
-    return spec;
+    EditorRule rule;
+    rule.kind = EditorRule::ReadOnlyText;
+    rule.text = text;
+    return rule;
 }
 } // namespace
 
@@ -217,10 +217,10 @@ QList<int> CWidget::propertyIds() const
     return {PropName};
 }
 
-EditorSpec CWidget::editorSpec(int id) const
+EditorRule CWidget::editorRule(int id) const
 {
     Q_UNUSED(id)
-    return EditorSpec();
+    return EditorRule();
 }
 
 void CWidget::applyEditorValue(int id, const QVariant& value)
@@ -356,7 +356,7 @@ QList<int> SupplyWidget::propertyIds() const
     return {PropName, PropOutputMode, PropDynaLineLength};
 }
 
-EditorSpec SupplyWidget::editorSpec(int id) const
+EditorRule SupplyWidget::editorRule(int id) const
 {
     if (id == PropOutputMode) {
         const DLPowerSupply* rec = record();
@@ -373,7 +373,7 @@ EditorSpec SupplyWidget::editorSpec(int id) const
     }
     if (id == PropDynaLineLength)
         return readOnlyOf(lengthText(dynaLineLength()));
-    return EditorSpec();
+    return EditorRule();
 }
 
 void SupplyWidget::applyEditorValue(int id, const QVariant& value)
@@ -475,7 +475,7 @@ double CableWidget::resistancePerFoot() const
     return cable->resistance;
 }
 
-EditorSpec CableWidget::editorSpec(int id) const
+EditorRule CableWidget::editorRule(int id) const
 {
     const VxJumper* cable = cableRecord();
     switch (id) {
@@ -506,18 +506,18 @@ EditorSpec CableWidget::editorSpec(int id) const
             }
             return spinOf(roundToInt(m_length), maximum);
         }
-        EditorSpec spec = spinOf(0, 999);
+        EditorRule rule = spinOf(0, 999);
         if (!cable || !cable->hasCustomWires)
-            return spec; // a fixed jumper's length is not edited
-        spec.value = roundToInt(m_length);
+            return rule; // a fixed jumper's length is not edited
+        rule.value = roundToInt(m_length);
         if (const VxWire* w = cable->wireNamed(m_gauge)) {
             const int maximum = roundToInt(w->maxLength);
-            spec.maximum = maximum == 0 ? 175 : maximum;
+            rule.maximum = maximum == 0 ? 175 : maximum;
         }
-        return spec;
+        return rule;
     }
     default:
-        return EditorSpec();
+        return EditorRule();
     }
 }
 
@@ -675,7 +675,7 @@ QList<int> ReceiverWidget::propertyIds() const
     return {PropName, PropDynaLineLength, PropJunctionBox};
 }
 
-EditorSpec ReceiverWidget::editorSpec(int id) const
+EditorRule ReceiverWidget::editorRule(int id) const
 {
     if (id == PropJunctionBox) {
         QStringList choices;
@@ -691,7 +691,7 @@ EditorSpec ReceiverWidget::editorSpec(int id) const
     }
     if (id == PropDynaLineLength)
         return readOnlyOf(lengthText(dynaLineLength()));
-    return EditorSpec();
+    return EditorRule();
 }
 
 void ReceiverWidget::applyEditorValue(int id, const QVariant& value)
@@ -760,7 +760,7 @@ QString BranchWireWidget::effectiveMode() const
     return m_inputMode;
 }
 
-EditorSpec BranchWireWidget::editorSpec(int id) const
+EditorRule BranchWireWidget::editorRule(int id) const
 {
     switch (id) {
     case PropGauge: {
@@ -797,7 +797,7 @@ EditorSpec BranchWireWidget::editorSpec(int id) const
     case PropLocation:
         return comboOf(m_db ? m_db->locations().keys() : QStringList(), m_location);
     default:
-        return EditorSpec();
+        return EditorRule();
     }
 }
 
@@ -828,7 +828,7 @@ QList<int> JunctionBoxWidget::propertyIds() const
     return {PropName, PropOutputMode, PropType};
 }
 
-EditorSpec JunctionBoxWidget::editorSpec(int id) const
+EditorRule JunctionBoxWidget::editorRule(int id) const
 {
     if (id == PropType) {
         QStringList choices;
@@ -842,7 +842,7 @@ EditorSpec JunctionBoxWidget::editorSpec(int id) const
         const QString mode = effectiveMode();
         return comboOf({mode}, mode);
     }
-    return EditorSpec();
+    return EditorRule();
 }
 
 void JunctionBoxWidget::applyEditorValue(int id, const QVariant& value)

@@ -73,7 +73,7 @@ inline QString aboveGround()
 
 // What an editor for one property offers: the allowed choices or the spin-box limits.
 // The property table turns it into a combo box, a spin box or a read-only line edit.
-struct EditorSpec {
+struct EditorRule {
     enum Kind { None, Combo, Spin, ReadOnlyText };
     Kind kind = None;
     QStringList choices;   // combo, in order
@@ -138,7 +138,7 @@ public:
     virtual QString name() const;
     virtual QString displayName() const;
     virtual QList<int> propertyIds() const;
-    virtual EditorSpec editorSpec(int id) const;
+    virtual EditorRule editorRule(int id) const;
     // Stores an edited value; emits valueChanged (ids the kind does not show are ignored).
     virtual void applyEditorValue(int id, const QVariant& value);
     QDomElement saveToXml(QDomDocument& doc, bool* ok = nullptr) const;
@@ -200,7 +200,7 @@ public:
     void setExplicitLocation(const QString& l) { m_location = l; }
 
     QList<int> propertyIds() const override;
-    EditorSpec editorSpec(int id) const override;
+    EditorRule editorRule(int id) const override;
     void applyEditorValue(int id, const QVariant& value) override;
     QVariant cellData(int column, int role) const override;
     QRect itemRect() const override { return QRect(0, 0, 220, 20); }
@@ -240,7 +240,7 @@ public:
     // Resistance per foot: the custom wire's for a custom cable (by gauge, else the default wire).
     double resistancePerFoot() const;
 
-    EditorSpec editorSpec(int id) const override;
+    EditorRule editorRule(int id) const override;
     void applyEditorValue(int id, const QVariant& value) override;
 
 protected:
@@ -312,7 +312,7 @@ public:
     bool fits(const DLJunctionBox* box) const;
 
     QList<int> propertyIds() const override;
-    EditorSpec editorSpec(int id) const override;
+    EditorRule editorRule(int id) const override;
     void applyEditorValue(int id, const QVariant& value) override;
     int maxChildren() const override { return capacityA() + capacityB(); }
     QVariant cellData(int column, int role) const override;
@@ -349,7 +349,7 @@ public:
 
     QString displayName() const override { return QStringLiteral("Branch Wire"); }
     QList<int> propertyIds() const override;
-    EditorSpec editorSpec(int id) const override;
+    EditorRule editorRule(int id) const override;
     void applyEditorValue(int id, const QVariant& value) override;
     QString effectiveMode() const override;
     QString locationText() const override { return effectiveMode(); }
@@ -382,7 +382,7 @@ public:
 
     QString displayName() const override { return QStringLiteral("Junction Box"); }
     QList<int> propertyIds() const override;
-    EditorSpec editorSpec(int id) const override;
+    EditorRule editorRule(int id) const override;
     void applyEditorValue(int id, const QVariant& value) override;
     int maxChildren() const override { return 6; }
 

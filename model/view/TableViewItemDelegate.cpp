@@ -31,10 +31,10 @@ QWidget* TableViewItemDelegate::createEditor(QWidget* parent, const QStyleOption
     const CWidget* component = componentAt(index);
     if (!component || index.column() == PropName)
         return nullptr;
-    const EditorSpec spec = component->editorSpec(index.column());
+    const EditorRule rule = component->editorRule(index.column());
     QWidget* editor = nullptr;
-    switch (spec.kind) {
-    case EditorSpec::Combo: {
+    switch (rule.kind) {
+    case EditorRule::Combo: {
         auto* combo = new ComboBoxPropertyEditor(parent);
         // A choice commits at once, also where closing the editor brings no focus change that
         // would tell the view: the value goes to the view before the editor closes itself.
@@ -46,20 +46,20 @@ QWidget* TableViewItemDelegate::createEditor(QWidget* parent, const QStyleOption
         editor = combo;
         break;
     }
-    case EditorSpec::Spin: {
+    case EditorRule::Spin: {
         auto* spin = new QSpinBox(parent);
-        spin->setRange(spec.minimum, spec.maximum);
-        spin->setSuffix(spec.suffix.isEmpty() ? QStringLiteral(" ft") : spec.suffix);
+        spin->setRange(rule.minimum, rule.maximum);
+        spin->setSuffix(rule.suffix.isEmpty() ? QStringLiteral(" ft") : rule.suffix);
         editor = spin;
         break;
     }
-    case EditorSpec::ReadOnlyText: {
+    case EditorRule::ReadOnlyText: {
         auto* line = new QLineEdit(parent);
         line->setReadOnly(true);
         editor = line;
         break;
     }
-    case EditorSpec::None:
+    case EditorRule::None:
         return nullptr;
     }
     editor->installEventFilter(const_cast<TableViewItemDelegate*>(this));
@@ -72,21 +72,21 @@ void TableViewItemDelegate::setEditorData(QWidget* editor, const QModelIndex& in
     const CWidget* component = componentAt(index);
     if (!component)
         return;
-    const EditorSpec spec = component->editorSpec(index.column());
+    const EditorRule rule = component->editorRule(index.column());
     if (auto* combo = qobject_cast<QComboBox*>(editor)) {
         // Filling the list is not a choice.
         const QSignalBlocker block(combo);
         combo->clear();
-        for (const QString& choice : spec.choices)
+        for (const QString& choice : rule.choices)
             combo->addItem(QIcon(), choice);
-        combo->setCurrentIndex(spec.currentIndex);
+        combo->setCurrentIndex(rule.currentIndex);
     } else if (auto* spin = qobject_cast<QSpinBox*>(editor)) {
-        spin->setRange(spec.minimum, spec.maximum);
-        if (!spec.suffix.isEmpty())
-            spin->setSuffix(spec.suffix);
-        spin->setValue(spec.value);
+        spin->setRange(rule.minimum, rule.maximum);
+        if (!rule.suffix.isEmpty())
+            spin->setSuffix(rule.suffix);
+        spin->setValue(rule.value);
     } else if (auto* line = qobject_cast<QLineEdit*>(editor)) {
-        line->setText(spec.text);
+        line->setText(rule.text);
     }
 }
 

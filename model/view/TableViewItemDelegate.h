@@ -5,7 +5,7 @@
 class CWidget;
 
 // Makes, fills and reads the property table's editors by asking the component of the row what
-// the property may take (its EditorSpec): a combo box of choices, a length spin box or a
+// the property may take (its EditorRule): a combo box of choices, a length spin box or a
 // read-only text. The name column has no editor.
 class TableViewItemDelegate : public QStyledItemDelegate
 {

@@ -30,7 +30,7 @@ QStringList describe(const CWidget* parent)
 }
 
 // An editor's choices with the current one starred.
-QStringList marked(const EditorSpec& editor)
+QStringList marked(const EditorRule& editor)
 {
     QStringList out = editor.choices;
     if (editor.currentIndex >= out.size())
@@ -42,7 +42,7 @@ QStringList marked(const EditorSpec& editor)
 
 int maxLength(const CWidget& w)
 {
-    return w.editorSpec(PropLength).maximum;
+    return w.editorRule(PropLength).maximum;
 }
 
 } // namespace
@@ -216,24 +216,24 @@ private slots:
         // Supply output modes: catalog order, "Feedwise" only for a supply placed by the user,
         // and only the present mode once a run hangs below it.
         SupplyWidget placed(&m_db, m_feedFirst, 0);
-        QCOMPARE(placed.editorSpec(PropOutputMode).kind, EditorSpec::Combo);
-        QCOMPARE(marked(placed.editorSpec(PropOutputMode)),
+        QCOMPARE(placed.editorRule(PropOutputMode).kind, EditorRule::Combo);
+        QCOMPARE(marked(placed.editorRule(PropOutputMode)),
                  QStringList({"*Feedwise", "Line Voltage", "Dynaline"}));
         SupplyWidget fromFile(&m_db, m_feedFirst, 1);
         fromFile.setOutputMode("Dynaline");
-        QCOMPARE(marked(fromFile.editorSpec(PropOutputMode)), QStringList({"Line Voltage", "*Dynaline"}));
+        QCOMPARE(marked(fromFile.editorRule(PropOutputMode)), QStringList({"Line Voltage", "*Dynaline"}));
         fromFile.setOutputMode("Feedwise");
-        QCOMPARE(fromFile.editorSpec(PropOutputMode).currentIndex, -1);
+        QCOMPARE(fromFile.editorRule(PropOutputMode).currentIndex, -1);
         placed.insertChild(new FixtureWidget(&m_db, m_bar));
-        QCOMPARE(marked(placed.editorSpec(PropOutputMode)), QStringList{"*Feedwise"});
-        QCOMPARE(SupplyWidget(&m_db, m_line).editorSpec(PropOutputMode).choices, QStringList{"Line Voltage"});
+        QCOMPARE(marked(placed.editorRule(PropOutputMode)), QStringList{"*Feedwise"});
+        QCOMPARE(SupplyWidget(&m_db, m_line).editorRule(PropOutputMode).choices, QStringList{"Line Voltage"});
 
         // Junction box: every box not reserved for receivers; the mode is the inherited one.
         SupplyWidget duo(&m_db, m_duo);
         auto* junction = new JunctionBoxWidget(&m_db, box("Box Beta"));
         duo.insertChild(junction);
         junction->setType("Box Alpha");
-        QCOMPARE(marked(junction->editorSpec(PropType)),
+        QCOMPARE(marked(junction->editorRule(PropType)),
                  QStringList({"Box Gamma", "*Box Alpha", "Box Delta"}));
 
         // Receiver: boxes mountable on a receiver that can hold what hangs below it.
@@ -243,27 +243,27 @@ private slots:
         feed->insertChild(receiver);
         QTest::ignoreMessage(QtDebugMsg, "jbox too small or not compatible: Box Gamma");
         QTest::ignoreMessage(QtDebugMsg, "jbox too small or not compatible: Box Beta");
-        QCOMPARE(marked(receiver->editorSpec(PropJunctionBox)), QStringList({"*Box Alpha", "Box Delta"}));
+        QCOMPARE(marked(receiver->editorRule(PropJunctionBox)), QStringList({"*Box Alpha", "Box Delta"}));
         for (int i = 0; i < 6; ++i)
             receiver->insertChildAt(0, new FixtureWidget(&m_db, m_bar));
         QTest::ignoreMessage(QtDebugMsg, "jbox too small or not compatible: Box Gamma");
         QTest::ignoreMessage(QtDebugMsg, "jbox too small or not compatible: Box Beta");
         QTest::ignoreMessage(QtDebugMsg, "jbox too small or not compatible: Box Alpha");
-        QCOMPARE(marked(receiver->editorSpec(PropJunctionBox)), QStringList{"Box Delta"});
+        QCOMPARE(marked(receiver->editorRule(PropJunctionBox)), QStringList{"Box Delta"});
 
         // Leader: the fixture's leader cables; gauges only for a custom cable, and only those
         // whose length limit allows the present length.
         LeaderWidget leader(&m_db, m_bar);
-        QCOMPARE(marked(leader.editorSpec(PropType)), QStringList({"*Leader 3ft", "Custom Leader"}));
-        QCOMPARE((QList<int>{maxLength(leader), leader.editorSpec(PropLength).value}), (QList<int>{3, 3}));
+        QCOMPARE(marked(leader.editorRule(PropType)), QStringList({"*Leader 3ft", "Custom Leader"}));
+        QCOMPARE((QList<int>{maxLength(leader), leader.editorRule(PropLength).value}), (QList<int>{3, 3}));
         leader.setType("Custom Leader");
         leader.setGauge("16");
         leader.setLength(10.0);
-        QCOMPARE(marked(leader.editorSpec(PropGauge)), QStringList({"14", "*16"}));
+        QCOMPARE(marked(leader.editorRule(PropGauge)), QStringList({"14", "*16"}));
         leader.setLength(7.5);
-        QCOMPARE(leader.editorSpec(PropGauge).choices, QStringList({"14", "16", "18"}));
-        const EditorSpec spin = leader.editorSpec(PropLength);
-        QVERIFY(spin.kind == EditorSpec::Spin && spin.suffix == QLatin1String(" ft"));
+        QCOMPARE(leader.editorRule(PropGauge).choices, QStringList({"14", "16", "18"}));
+        const EditorRule spin = leader.editorRule(PropLength);
+        QVERIFY(spin.kind == EditorRule::Spin && spin.suffix == QLatin1String(" ft"));
         QCOMPARE((QList<int>{spin.value, spin.minimum, spin.maximum}), (QList<int>{8, 1, 60}));
         leader.setGauge("14");
         QCOMPARE(maxLength(leader), 100);
@@ -271,7 +271,7 @@ private slots:
         // Jumper: a custom cable's gauge limit, 175 where the limit is 0, the editor's own 999
         // for a gauge the cable does not list.
         JumperWidget jumper(&m_db, m_bar);
-        QCOMPARE(jumper.editorSpec(PropType).choices, QStringList({"Jumper 2ft", "Custom Jumper"}));
+        QCOMPARE(jumper.editorRule(PropType).choices, QStringList({"Jumper 2ft", "Custom Jumper"}));
         jumper.setType("Custom Jumper");
         jumper.setLength(4.4);
         QList<int> limits;
@@ -280,9 +280,9 @@ private slots:
             limits << maxLength(jumper);
         }
         QCOMPARE(limits, (QList<int>{25, 175, 999}));
-        QCOMPARE(jumper.editorSpec(PropLength).value, 4);
+        QCOMPARE(jumper.editorRule(PropLength).value, 4);
         jumper.setLength(20.0);
-        QCOMPARE(jumper.editorSpec(PropGauge).choices, QStringList{"16"});
+        QCOMPARE(jumper.editorRule(PropGauge).choices, QStringList{"16"});
 
         // Branch wire lengths by mode, location and gauge.
         SupplyWidget host(&m_db, m_duo);
@@ -299,20 +299,20 @@ private slots:
         limits << maxLength(*bw);
         QCOMPARE(limits, (QList<int>{427, 294, 150, 175, 999}));
         bw->setGauge("14");
-        QCOMPARE(bw->editorSpec(PropGauge).choices, QStringList({"12", "14"}));
+        QCOMPARE(bw->editorRule(PropGauge).choices, QStringList({"12", "14"}));
         bw->setLength(20.0);
-        QCOMPARE(bw->editorSpec(PropGauge).choices, QStringList({"12", "14", "16"}));
-        QCOMPARE(marked(bw->editorSpec(PropLocation)), QStringList({"Above Ground", "*Underground"}));
+        QCOMPARE(bw->editorRule(PropGauge).choices, QStringList({"12", "14", "16"}));
+        QCOMPARE(marked(bw->editorRule(PropLocation)), QStringList({"Above Ground", "*Underground"}));
         // Input mode: the parent's mode, or below a receiver "Dynaline" (when the gauge allows
         // the length) and "Feedwise".
         bw->setInputMode("UNDEFINED");
-        QCOMPARE(marked(bw->editorSpec(PropInputMode)), QStringList{"*Dynaline"});
+        QCOMPARE(marked(bw->editorRule(PropInputMode)), QStringList{"*Dynaline"});
         auto* underReceiver = wire("Feedwise", "Above Ground", 30.0);
         receiver->insertChildAt(0, underReceiver);
-        QCOMPARE(marked(underReceiver->editorSpec(PropInputMode)), QStringList({"Dynaline", "*Feedwise"}));
+        QCOMPARE(marked(underReceiver->editorRule(PropInputMode)), QStringList({"Dynaline", "*Feedwise"}));
         underReceiver->setGauge("16"); // 25 ft limit, 30 ft wire
-        QCOMPARE(underReceiver->editorSpec(PropInputMode).choices, QStringList{"Feedwise"});
-        QCOMPARE(FixtureWidget(&m_db, m_bar).editorSpec(PropType).kind, EditorSpec::None);
+        QCOMPARE(underReceiver->editorRule(PropInputMode).choices, QStringList{"Feedwise"});
+        QCOMPARE(FixtureWidget(&m_db, m_bar).editorRule(PropType).kind, EditorRule::None);
     }
 
     void addButtons()

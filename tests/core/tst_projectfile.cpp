@@ -292,7 +292,7 @@ private slots:
         QVERIFY(ProjectFile::read(
             project(QStringLiteral("<CWidget CWidgetItemType=\"0\" name=\"Enabler Feed First\"/>")), doc, h,
             nullptr));
-        QCOMPARE(doc.root()->editorSpec(PropOutputMode).choices,
+        QCOMPARE(doc.root()->editorRule(PropOutputMode).choices,
                  QStringList({QStringLiteral("Line Voltage"), QStringLiteral("Dynaline")}));
         QCOMPARE(qobject_cast<SupplyWidget*>(doc.root())->outputMode(), QString());
     }

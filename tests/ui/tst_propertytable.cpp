@@ -174,15 +174,15 @@ void TestPropertyTable::comboChoiceCommitsAtOnce()
 {
     CWidget* wire = addBranchWire();
     auto* branch = static_cast<BranchWireWidget*>(wire);
-    const EditorSpec spec = wire->editorSpec(PropLocation);
-    QVERIFY2(spec.choices.size() > 1, "the catalog lists several locations");
+    const EditorRule rule = wire->editorRule(PropLocation);
+    QVERIFY2(rule.choices.size() > 1, "the catalog lists several locations");
 
     auto* combo = qobject_cast<ComboBoxPropertyEditor*>(openEditor(PropLocation));
     QVERIFY(combo);
     QStringList items;
     for (int i = 0; i < combo->count(); ++i)
         items << combo->itemText(i);
-    QCOMPARE(items, spec.choices);
+    QCOMPARE(items, rule.choices);
     QCOMPARE(combo->currentText(), branch->location());
     QVERIFY(doc()->isModified());
     doc()->setModified(false);
@@ -194,45 +194,45 @@ void TestPropertyTable::comboChoiceCommitsAtOnce()
 
     // Another entry is stored at once, closes the editor and runs the analysis again.
     const QString before = branch->location();
-    const int other = spec.currentIndex == 0 ? 1 : 0;
+    const int other = rule.currentIndex == 0 ? 1 : 0;
     const int logBefore = logLength();
     combo->setCurrentIndex(other);
     flushDeletes();
-    QCOMPARE(branch->location(), spec.choices.at(other));
+    QCOMPARE(branch->location(), rule.choices.at(other));
     QVERIFY(branch->location() != before);
     QVERIFY(editorWidget() == nullptr);
     QVERIFY(logLength() > logBefore);
     QVERIFY(doc()->isModified());
     // The next branch wire starts at the location chosen last.
-    QCOMPARE(doc()->lastLocation(), spec.choices.at(other));
+    QCOMPARE(doc()->lastLocation(), rule.choices.at(other));
 }
 
 void TestPropertyTable::lengthSpinTakesTheRulesLimits()
 {
     CWidget* wire = addBranchWire();
     auto* branch = static_cast<BranchWireWidget*>(wire);
-    const EditorSpec spec = wire->editorSpec(PropLength);
-    QCOMPARE(spec.kind, EditorSpec::Spin);
+    const EditorRule rule = wire->editorRule(PropLength);
+    QCOMPARE(rule.kind, EditorRule::Spin);
 
     auto* spin = qobject_cast<QSpinBox*>(openEditor(PropLength));
     QVERIFY(spin);
     QCOMPARE(spin->suffix(), QStringLiteral(" ft"));
-    QCOMPARE(spin->minimum(), spec.minimum);
-    QCOMPARE(spin->maximum(), spec.maximum);
+    QCOMPARE(spin->minimum(), rule.minimum);
+    QCOMPARE(spin->maximum(), rule.maximum);
     QCOMPARE(spin->value(), qRound(branch->length()));
 
     // Typing past the limit is refused; a value past it is clamped before it reaches the wire.
     spin->setFocus();
     spin->selectAll();
-    QTest::keyClicks(spin, QString::number(spec.maximum * 10));
-    QVERIFY(spin->value() <= spec.maximum);
-    spin->setValue(spec.maximum + 50);
-    QCOMPARE(spin->value(), spec.maximum);
+    QTest::keyClicks(spin, QString::number(rule.maximum * 10));
+    QVERIFY(spin->value() <= rule.maximum);
+    spin->setValue(rule.maximum + 50);
+    QCOMPARE(spin->value(), rule.maximum);
     // Return commits (the view hears of it through a queued call).
     QTest::keyClick(spin, Qt::Key_Return);
     QCoreApplication::processEvents();
     flushDeletes();
-    QCOMPARE(branch->length(), double(spec.maximum));
+    QCOMPARE(branch->length(), double(rule.maximum));
     QVERIFY(editorWidget() == nullptr);
 }
 
@@ -242,7 +242,7 @@ void TestPropertyTable::readOnlyLengthFigure()
     auto* line = qobject_cast<QLineEdit*>(openEditor(PropDynaLineLength));
     QVERIFY(line);
     QVERIFY(line->isReadOnly());
-    QCOMPARE(line->text(), supply->editorSpec(PropDynaLineLength).text);
+    QCOMPARE(line->text(), supply->editorRule(PropDynaLineLength).text);
     QVERIFY(line->text().endsWith(QStringLiteral(" ft")));
 }
 
