@@ -29,6 +29,8 @@ public:
     virtual bool confirmDelete(QWidget* parent) = 0;
     // Runs a modal dialog (preferences, print setup) and returns its result code.
     virtual int execDialog(QDialog* dialog) = 0;
+    // A run that did not exit cleanly left unsaved changes to displayName: true to recover them.
+    virtual bool askRecover(QWidget* parent, const QString& displayName) = 0;
 };
 
 // The message boxes and file dialogs a person sees.
@@ -44,4 +46,5 @@ public:
     bool askReplace(QWidget* parent, const QString& filePath) override;
     bool confirmDelete(QWidget* parent) override;
     int execDialog(QDialog* dialog) override;
+    bool askRecover(QWidget* parent, const QString& displayName) override;
 };

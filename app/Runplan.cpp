@@ -1,8 +1,11 @@
 #include "app/Runplan.h"
 
 #include "app/AboutDialog.h"
+#include "app/Autosave.h"
 #include "app/CommandLine.h"
 #include "app/Prompter.h"
+#include "app/commands/CommandText.h"
+#include "app/commands/EditHistory.h"
 #include "calc/Maximize.h"
 #include "canvas/CFrame.h"
 #include "catalog/Database.h"
@@ -10,6 +13,7 @@
 #include "model/CWidget.h"
 #include "model/CWidgetModel.h"
 #include "model/ConfigDocument.h"
+#include "model/DocumentSnapshot.h"
 #include "model/ProjectFile.h"
 #include "model/view/CWidgetTableView.h"
 #include "ui_Runplan.h"
@@ -31,8 +35,10 @@
 #include <QSettings>
 #include <QStatusBar>
 #include <QTimer>
+#include <QUndoStack>
 
 #include <cstdio>
+#include <optional>
 
 // The compiled-in pictures live in the static front-end library; referencing them here makes sure
 // the linker keeps them wherever the window is used.
@@ -155,6 +161,12 @@ Runplan::Runplan(QWidget* parent)
     // property table are two views on the one configuration.
     m_db = Database::instance();
     m_doc = new ConfigDocument(m_db, this);
+    m_history = new EditHistory(
+        m_doc, this, [this](const DocumentSnapshot& state) { restoreState(state); }, this);
+    m_autosave = new Autosave(
+        m_doc, m_history, [this]() { return ProjectFile::toBytes(*m_doc, *this); },
+        [this]() { return m_currentFile; }, this);
+    auto pause = std::make_unique<EditHistory::Pause>(m_history);
     ui->m_DL_Frame->setDocument(m_doc);
     ui->m_DL_Frame->confirmDelete = [this]() { return m_prompter->confirmDelete(this); };
     m_doc->model()->setHeaderDecoration(QPixmap(QStringLiteral(":/editicon.svg")));
@@ -204,8 +216,17 @@ Runplan::Runplan(QWidget* parent)
     connect(this, &Runplan::zoomLevelChanged, canvas, &CFrame::handleZoomChanged);
     connect(ui->m_clearLogButton, &QPushButton::clicked, ui->m_messageBox, &QTextEdit::clear);
     connect(ui->actionLineColorKey, &QAction::toggled, canvas, &CFrame::handleLineKeyToggled);
+    connect(m_doc->model(), &CWidgetModel::propertyEdited, this, [this](int column) {
+        // The edit is already stored: the step records it.
+        EditHistory::Step step(
+            m_history,
+            CommandText::change(m_doc->model()->headerData(column, Qt::Horizontal).toString()));
+    });
     on_m_DL_Reset_Button_clicked();
     m_doc->setModified(false);
+    setUpUndoActions();
+    pause.reset();
+    m_history->restart();
 
     // Tips, icons and the zoom list.
     ui->actionNew->setStatusTip(tr("Create a new configuration"));
@@ -245,6 +266,8 @@ Runplan::Runplan(QWidget* parent)
 
 Runplan::~Runplan()
 {
+    // Reaching here is a clean exit: nothing is left to recover.
+    m_autosave->discard();
     // The canvas and the table refer to the document: let them go first.
     ui->m_DL_Frame->setDocument(nullptr);
     ui->tableView->setModel(nullptr);
@@ -320,36 +343,43 @@ void Runplan::emitInputChanged()
 
 void Runplan::on_m_DL_LineVoltage_Combo_currentIndexChanged(int index)
 {
+    EditHistory::Step step(m_history, CommandText::change(tr("Line Voltage")));
     ui->m_DL_LineVoltage_Spin->setVisible(ui->m_DL_LineVoltage_Combo->itemText(index) == tr("Other"));
     emitInputChanged();
 }
 
 void Runplan::on_m_DL_LineVoltage_Spin_valueChanged(int value)
 {
+    EditHistory::Step step(m_history, CommandText::change(tr("Line Voltage")), CommandText::CustomLineVoltage);
     Q_UNUSED(value)
     emitInputChanged();
 }
 
 void Runplan::on_m_DL_MaxLoad_Combo_currentIndexChanged(int index)
 {
+    EditHistory::Step step(m_history, CommandText::change(tr("Max Circuit Load")));
     ui->m_DL_MaxLoad_Spin->setVisible(index >= 0 && index == ui->m_DL_MaxLoad_Combo->count() - 1);
     emitInputChanged();
 }
 
 void Runplan::on_m_DL_MaxLoad_Spin_valueChanged(int value)
 {
+    EditHistory::Step step(m_history, CommandText::change(tr("Max Circuit Load")),
+                           CommandText::CustomMaxCircuitLoad);
     Q_UNUSED(value)
     emitInputChanged();
 }
 
 void Runplan::on_m_frequencyComboBox_currentIndexChanged(int index)
 {
+    EditHistory::Step step(m_history, CommandText::change(tr("Frequency")));
     Q_UNUSED(index)
     emitInputChanged();
 }
 
 void Runplan::on_m_DLController_Combo_currentIndexChanged(int index)
 {
+    EditHistory::Step step(m_history, CommandText::change(tr("Controller")));
     Q_UNUSED(index)
     emit paramChanged();
     DL_Update();
@@ -452,6 +482,7 @@ void Runplan::on_m_DLSupply_Combo_currentIndexChanged(int index)
         return;
     }
     m_previousSupplyIndex = index;
+    EditHistory::Step step(m_history, CommandText::change(tr("Enabler")));
     {
         AnalysisHold hold(m_analysisSuspended);
         InteractiveChangeOff off(this);
@@ -488,6 +519,7 @@ void Runplan::on_m_DLFixture_Combo_currentIndexChanged(int index)
         return;
     }
 
+    EditHistory::Step step(m_history, CommandText::change(tr("Fixture")));
     const int fixtures = m_doc->count(ItemFixture);
     const int leaders = m_doc->count(ItemLeader);
     const bool familiesDiffer = !m_previousFixture || m_previousFixture->family != fixture->family;
@@ -552,36 +584,43 @@ void Runplan::rebuildVoltageList(const DLFixture* fixture)
 
 void Runplan::on_m_DL_AddFixture_Button_clicked()
 {
+    EditHistory::Step step(m_history, CommandText::add(ItemFixture));
     m_doc->addFixture(currentFixtureRecord());
 }
 
 void Runplan::on_m_DL_AddJumper_Button_clicked()
 {
+    EditHistory::Step step(m_history, CommandText::add(ItemJumper));
     m_doc->addJumper(currentFixtureRecord());
 }
 
 void Runplan::on_m_DL_AddReceiver_Button_clicked()
 {
+    EditHistory::Step step(m_history, CommandText::add(ItemReceiver));
     m_doc->addReceiver();
 }
 
 void Runplan::on_m_DL_AddJunctionBox_Button_clicked()
 {
+    EditHistory::Step step(m_history, CommandText::add(ItemJunctionBox));
     m_doc->addJunctionBox();
 }
 
 void Runplan::on_m_DL_AddLeader_Button_clicked()
 {
+    EditHistory::Step step(m_history, CommandText::add(ItemLeader));
     m_doc->addLeader(currentFixtureRecord());
 }
 
 void Runplan::on_m_DL_AddSupply_Button_clicked()
 {
+    EditHistory::Step step(m_history, CommandText::add(ItemSupply));
     m_doc->addSupply(currentSupplyRecord());
 }
 
 void Runplan::on_m_DL_Reset_Button_clicked()
 {
+    EditHistory::Step step(m_history, CommandText::reset());
     const int topLevel = m_doc->model()->rowCount();
     m_doc->clear();
     on_m_DL_AddSupply_Button_clicked();
@@ -597,6 +636,7 @@ void Runplan::on_m_DL_Delete_Button_clicked()
 
 void Runplan::DL_DeleteLast()
 {
+    EditHistory::Step step(m_history, CommandText::remove(m_doc->current()));
     ui->m_DL_Frame->deleteCurrent();
     // The canvas is never left empty.
     if (!m_doc->root())
@@ -786,6 +826,7 @@ void Runplan::on_m_DL_Calculate_Configuration_clicked()
 void Runplan::DL_Maximize()
 {
     // Maximize analyses after each of its own changes; the changes must not start one more each.
+    EditHistory::Step step(m_history, CommandText::maximize());
     AnalysisHold hold(m_analysisSuspended);
     ::maximize(
         *m_doc, currentFixtureRecord(),
@@ -804,6 +845,72 @@ void Runplan::on_m_DL_Maximize_Button_clicked()
     QCoreApplication::processEvents();
     DL_Maximize();
     dialog->close();
+}
+
+// =============================================================================================
+// Undo and recovery
+
+void Runplan::setUpUndoActions()
+{
+    QUndoStack* stack = m_history->stack();
+    QAction* undo = stack->createUndoAction(this);
+    QAction* redo = stack->createRedoAction(this);
+    undo->setObjectName(QStringLiteral("actionUndo"));
+    redo->setObjectName(QStringLiteral("actionRedo"));
+    undo->setShortcut(QKeySequence::Undo);
+    redo->setShortcut(QKeySequence::Redo);
+    undo->setIcon(QIcon(QStringLiteral(":/undoicon.svg")));
+    redo->setIcon(QIcon(QStringLiteral(":/redoicon.svg")));
+    undo->setStatusTip(tr("Undo the last change to the configuration"));
+    redo->setStatusTip(tr("Redo the change undone last"));
+    QAction* firstEdit = ui->menuEdit->actions().value(0);
+    ui->menuEdit->insertActions(firstEdit, {undo, redo});
+    ui->menuEdit->insertSeparator(firstEdit);
+    ui->mainToolBar->insertActions(ui->actionDelete, {undo, redo});
+}
+
+void Runplan::restoreState(const DocumentSnapshot& state)
+{
+    {
+        AnalysisHold hold(m_analysisSuspended);
+        InteractiveChangeOff off(this);
+        state.restore(*m_doc, *this, m_reporter.get());
+    }
+    runAnalysis();
+    updateAddButtons(m_doc->currentIndex());
+}
+
+bool Runplan::offerRecovery()
+{
+    RecoveryStore::Orphan orphan;
+    while (m_autosave->store().claimOrphan(&orphan)) {
+        const QString name =
+            orphan.originalPath.isEmpty() ? tr("Untitled.rpproj") : QFileInfo(orphan.originalPath).fileName();
+        if (!m_prompter->askRecover(this, name)) {
+            m_autosave->store().finishClaim();
+            continue;
+        }
+        bool read = false;
+        {
+            EditHistory::Pause pause(m_history);
+            AnalysisHold hold(m_analysisSuspended);
+            InteractiveChangeOff off(this);
+            read = ProjectFile::read(orphan.project, *m_doc, *this, m_reporter.get(), orphan.projectPath);
+        }
+        if (!read) {
+            m_autosave->store().finishClaim();
+            continue;
+        }
+        setCurrentFile(orphan.originalPath);
+        m_doc->setModified(true);
+        m_history->restartUnsaved();
+        runAnalysis();
+        // The changes are this window's now: its own recovery file takes them over.
+        m_autosave->writeNow();
+        m_autosave->store().finishClaim();
+        return true;
+    }
+    return false;
 }
 
 // =============================================================================================
@@ -884,6 +991,17 @@ void Runplan::on_actionMaximizeFixture_triggered()
 
 void Runplan::runExport(bool all)
 {
+    // An export drives the configuration but is no edit: the history goes on from what it leaves.
+    std::optional<EditHistory::Pause> pause(m_history);
+    struct Rebase {
+        EditHistory* history;
+        std::optional<EditHistory::Pause>& pause;
+        ~Rebase()
+        {
+            pause.reset();
+            history->rebase();
+        }
+    } rebase{m_history, pause};
     QString fileName = m_exportFileName;
     if (m_runningBatchCommands) {
         if (fileName.isEmpty())
@@ -965,8 +1083,12 @@ bool Runplan::processCommandLine(const QStringList& arguments)
 
 bool Runplan::processCommandLine(const CommandLineOptions& options)
 {
-    if (options.unattended)
+    if (options.unattended) {
+        // An unattended run has no history and nothing to recover.
         m_runningBatchCommands = true;
+        m_history->setEnabled(false);
+        m_autosave->setEnabled(false);
+    }
     if (options.maximizeAll) {
         m_maximizeAllRequested = true;
         m_maximizeAllFileName = options.maximizeAllFile;
@@ -975,6 +1097,7 @@ bool Runplan::processCommandLine(const CommandLineOptions& options)
         m_maximizeFixtureRequested = true;
         m_maximizeFixtureFileName = options.maximizeFixtureFile;
     }
+    std::optional<EditHistory::Pause> pause(m_history);
     for (const CommandLineOptions::Selection& s : options.selections) {
         InteractiveChangeOff off(this);
         switch (s.kind) {
@@ -998,6 +1121,8 @@ bool Runplan::processCommandLine(const CommandLineOptions& options)
         }
         }
     }
+    pause.reset();
+    m_history->restart();
     bool opened = true;
     if (!options.projectFile.isEmpty())
         opened = openProject(options.projectFile);
@@ -1069,6 +1194,9 @@ void Runplan::handleNewAction()
 {
     if (offerToSaveIfNeeded())
         return;
+    m_autosave->discard();
+    // One step: Undo brings the previous configuration back as unsaved changes.
+    EditHistory::Step step(m_history, CommandText::newConfiguration());
     {
         InteractiveChangeOff off(this);
         if (ui->m_DLSupply_Combo->count() > 0)
@@ -1098,6 +1226,7 @@ bool Runplan::openProject(const QString& path)
 {
     bool opened = false;
     {
+        EditHistory::Pause pause(m_history);
         AnalysisHold hold(m_analysisSuspended);
         InteractiveChangeOff off(this);
         QApplication::setOverrideCursor(Qt::WaitCursor);
@@ -1107,6 +1236,8 @@ bool Runplan::openProject(const QString& path)
     if (opened) {
         setCurrentFile(path);
         m_doc->setModified(false);
+        m_history->restart();
+        m_autosave->discard();
         runAnalysis();
     }
     return opened;
@@ -1118,8 +1249,11 @@ bool Runplan::saveProject(const QString& path)
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const bool ok = ProjectFile::save(path, *m_doc, *this, m_reporter.get(), &saved);
     QApplication::restoreOverrideCursor();
-    if (ok)
+    if (ok) {
         setCurrentFile(saved);
+        m_history->markSaved();
+        m_autosave->discard();
+    }
     return ok;
 }
 
@@ -1270,6 +1404,7 @@ void Runplan::closeEvent(QCloseEvent* event)
     settings.setValue(RunplanSettings::windowGeometryKey(), saveGeometry());
     settings.setValue(RunplanSettings::lineKeyActiveKey(), ui->actionLineColorKey->isChecked());
     settings.sync();
+    m_autosave->discard();
     event->accept();
 }
 

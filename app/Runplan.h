@@ -16,6 +16,9 @@ namespace Ui
 class RunplanClass;
 }
 class AboutDialog;
+class Autosave;
+class EditHistory;
+struct DocumentSnapshot;
 class CFrame;
 class ConfigDocument;
 class CWidgetTableView;
@@ -74,6 +77,13 @@ public:
     // project file given last and queues runCommands(). False when that project could not be read.
     bool processCommandLine(const QStringList& arguments);
     bool processCommandLine(const CommandLineOptions& options);
+
+    // The undo history of the configuration and the autosave of its unsaved changes.
+    EditHistory* history() const { return m_history; }
+    Autosave* autosave() const { return m_autosave; }
+    // Interactive start-up: offers the unsaved changes a run that did not exit cleanly left
+    // behind. True when they were recovered.
+    bool offerRecovery();
 
     // Document commands
     QString currentFilePath() const { return m_currentFile; }
@@ -199,10 +209,15 @@ private:
     void runExport(bool all);
     void finishBatch(int exitCode);
     void setWindowTitleFor(const QString& path);
+    // Puts a state of the undo history back and analyses it as any change.
+    void restoreState(const DocumentSnapshot& state);
+    void setUpUndoActions();
 
     Ui::RunplanClass* ui;
     const Database* m_db = nullptr;
     ConfigDocument* m_doc = nullptr;
+    EditHistory* m_history = nullptr;
+    Autosave* m_autosave = nullptr;
     std::unique_ptr<Prompter> m_defaultPrompter;
     Prompter* m_prompter = nullptr;
     std::unique_ptr<WindowReporter> m_reporter;

@@ -75,6 +75,7 @@ bool CWidgetModel::setData(const QModelIndex& index, const QVariant& value, int 
         return false;
     widget(index)->applyEditorValue(index.column(), value);
     emit layoutChanged();
+    emit propertyEdited(index.column());
     return true;
 }
 

@@ -393,6 +393,26 @@ QByteArray toBytes(const ConfigDocument& doc, const HeaderChoices& header)
     return serialize(buildDocument(doc, header), doc.root());
 }
 
+WriteResult writeAtomically(const QString& path, const QByteArray& bytes, QString* openError)
+{
+    // The bytes go to a temporary file that replaces the old one only once complete.
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
+        if (openError)
+            *openError = file.errorString();
+        return WriteResult::CannotOpen;
+    }
+    // commit() does not notice a buffered write that fails while it flushes (the disk filling up,
+    // say), so everything is flushed and checked before the old file is replaced.
+    const bool written = file.write(bytes) == bytes.size() && file.flush() &&
+                         file.error() == QFileDevice::NoError && file.commit();
+    if (!written) {
+        file.cancelWriting();
+        return WriteResult::Failed;
+    }
+    return WriteResult::Written;
+}
+
 bool save(const QString& path, ConfigDocument& doc, const HeaderChoices& header, Reporter* reporter,
           QString* savedPath)
 {
@@ -401,21 +421,15 @@ bool save(const QString& path, ConfigDocument& doc, const HeaderChoices& header,
     const QString fullPath = withExtension(path);
     const QString failedStatus = tr("Failed to save configuration: %1").arg(fullPath);
 
-    // The document is written to a temporary file that replaces the old one only once complete.
-    QSaveFile file(fullPath);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
+    QString openError;
+    const WriteResult result = writeAtomically(fullPath, toBytes(doc, header), &openError);
+    if (result == WriteResult::CannotOpen) {
         reporter->message(Reporter::Kind::Warning, tr("Save Error"),
-                          tr("Cannot open file %1:\n%2.").arg(fullPath, file.errorString()));
+                          tr("Cannot open file %1:\n%2.").arg(fullPath, openError));
         reporter->status(failedStatus);
         return false;
     }
-    const QByteArray bytes = toBytes(doc, header);
-    // commit() does not notice a buffered write that fails while it flushes (the disk filling up,
-    // say), so everything is flushed and checked before the old file is replaced.
-    const bool written = file.write(bytes) == bytes.size() && file.flush() &&
-                         file.error() == QFileDevice::NoError && file.commit();
-    if (!written) {
-        file.cancelWriting();
+    if (result == WriteResult::Failed) {
         reporter->message(Reporter::Kind::Critical, tr("Save Error"),
                           tr("Failed to save configuration file: %1").arg(fullPath));
         reporter->status(failedStatus);

@@ -25,6 +25,10 @@ QString mapLegacyFixtureName(const QString& name);
 QDomDocument buildDocument(const ConfigDocument& doc, const HeaderChoices& header);
 QByteArray toBytes(const ConfigDocument& doc, const HeaderChoices& header);
 
+enum class WriteResult { Written, CannotOpen, Failed };
+// Writes bytes to path through a temporary file: a failed write leaves any previous file as it was.
+WriteResult writeAtomically(const QString& path, const QByteArray& bytes, QString* openError = nullptr);
+
 // Writes the project atomically: a failed save leaves any previous file as it was. Reports
 // "Save Error" messages and status lines through the reporter; on success the status line is
 // "Configuration saved" and the document's modified flag is cleared. savedPath receives the path

@@ -53,6 +53,11 @@ public:
     bool askReplace(QWidget*, const QString& filePath) override { return take("replace", replaceAnswers, {filePath}); }
     bool confirmDelete(QWidget*) override { return take("delete", m_none); }
     int execDialog(QDialog*) override { return take("dialog", m_none) ? QDialog::Accepted : QDialog::Rejected; }
+    QList<bool> recoverAnswers;
+    bool askRecover(QWidget*, const QString& displayName) override
+    {
+        return take("recover", recoverAnswers, {displayName});
+    }
 
 private:
     template <typename T>
