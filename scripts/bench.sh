@@ -10,6 +10,8 @@ export QT_QPA_PLATFORM=offscreen
 bin="$build/bin"
 echo "== engine benchmarks"
 "$bin/runplan_bench"
+echo "== undo and redo (target: 50 ms each)"
+"$bin/runplan_bench_undo"
 
 runs="${BENCH_RUNS:-5}"
 tmp="$(mktemp -d)"
