@@ -2,6 +2,7 @@
 
 #include "app/AboutDialog.h"
 #include "app/Autosave.h"
+#include "app/ExportRunner.h"
 #include "app/CommandLine.h"
 #include "app/Prompter.h"
 #include "app/commands/CommandText.h"
@@ -161,6 +162,7 @@ Runplan::Runplan(QWidget* parent)
     // property table are two views on the one configuration.
     m_db = Database::instance();
     m_doc = new ConfigDocument(m_db, this);
+    m_exportRunner = new ExportRunner(this);
     m_history = new EditHistory(
         m_doc, this, [this](const DocumentSnapshot& state) { restoreState(state); }, this);
     m_autosave = new Autosave(
@@ -222,7 +224,7 @@ Runplan::Runplan(QWidget* parent)
             m_history,
             CommandText::change(m_doc->model()->headerData(column, Qt::Horizontal).toString()));
     });
-    on_m_DL_Reset_Button_clicked();
+    resetCanvas();
     m_doc->setModified(false);
     setUpUndoActions();
     pause.reset();
@@ -331,7 +333,7 @@ void Runplan::handleZoomLevelChanged(int index)
 
 void Runplan::handleProgressDialogClosed()
 {
-    m_exportRunning = false;
+    m_exportRunner->cancel();
 }
 
 void Runplan::emitInputChanged()
@@ -344,7 +346,7 @@ void Runplan::emitInputChanged()
 void Runplan::on_m_DL_LineVoltage_Combo_currentIndexChanged(int index)
 {
     EditHistory::Step step(m_history, CommandText::change(tr("Line Voltage")));
-    ui->m_DL_LineVoltage_Spin->setVisible(ui->m_DL_LineVoltage_Combo->itemText(index) == tr("Other"));
+    ui->m_DL_LineVoltage_Spin->setVisible(ui->m_DL_LineVoltage_Combo->itemText(index) == HeaderChoices::otherEntry());
     emitInputChanged();
 }
 
@@ -419,7 +421,7 @@ CircuitInputs Runplan::circuitInputs() const
 {
     CircuitInputs in;
     const QString volts = ui->m_DL_LineVoltage_Combo->currentText();
-    in.lineVoltage = volts == tr("Other") ? ui->m_DL_LineVoltage_Spin->value() : volts.toDouble();
+    in.lineVoltage = volts == HeaderChoices::otherEntry() ? ui->m_DL_LineVoltage_Spin->value() : volts.toDouble();
     const int load = ui->m_DL_MaxLoad_Combo->currentIndex();
     in.maxCircuitLoad = (load >= 0 && load == ui->m_DL_MaxLoad_Combo->count() - 1)
                             ? ui->m_DL_MaxLoad_Spin->value()
@@ -487,7 +489,7 @@ void Runplan::on_m_DLSupply_Combo_currentIndexChanged(int index)
         AnalysisHold hold(m_analysisSuspended);
         InteractiveChangeOff off(this);
         // The root is always the chosen enabler.
-        on_m_DL_Reset_Button_clicked();
+        resetCanvas();
 
         const DLPowerSupply* supply = currentSupplyRecord();
         ui->m_DLFixture_Combo->clear();
@@ -538,7 +540,7 @@ void Runplan::on_m_DLFixture_Combo_currentIndexChanged(int index)
                 updateAddButtons(m_doc->currentIndex());
                 return;
             }
-            on_m_DL_Reset_Button_clicked();
+            resetCanvas();
         }
         updateAddButtons(m_doc->currentIndex());
         m_previousFixture = fixture;
@@ -553,7 +555,7 @@ void Runplan::rebuildVoltageList(const DLFixture* fixture)
 {
     QComboBox* combo = ui->m_DL_LineVoltage_Combo;
     const QSignalBlocker block(combo);
-    const QString other = tr("Other");
+    const QString other = HeaderChoices::otherEntry();
     const QString previous = combo->currentText();
     const bool previousWasOther = previous == other;
     combo->clear();
@@ -619,6 +621,11 @@ void Runplan::on_m_DL_AddSupply_Button_clicked()
 }
 
 void Runplan::on_m_DL_Reset_Button_clicked()
+{
+    resetCanvas();
+}
+
+void Runplan::resetCanvas()
 {
     EditHistory::Step step(m_history, CommandText::reset());
     const int topLevel = m_doc->model()->rowCount();
@@ -815,12 +822,7 @@ void Runplan::handleClearCalculations()
 
 void Runplan::on_m_DL_Calculate_Configuration_clicked()
 {
-    auto* dialog = new LoadingDialog(this);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->showCentredOn(QApplication::activeWindow());
-    QCoreApplication::processEvents();
-    runAnalysis();
-    dialog->close();
+    runWithProgress(this, [this]() { runAnalysis(); });
 }
 
 void Runplan::DL_Maximize()
@@ -839,12 +841,7 @@ void Runplan::DL_Maximize()
 
 void Runplan::on_m_DL_Maximize_Button_clicked()
 {
-    auto* dialog = new LoadingDialog(this);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->showCentredOn(QApplication::activeWindow());
-    QCoreApplication::processEvents();
-    DL_Maximize();
-    dialog->close();
+    runWithProgress(this, [this]() { DL_Maximize(); });
 }
 
 // =============================================================================================
@@ -944,7 +941,7 @@ void Runplan::selectLineVoltage(int volts)
 void Runplan::resetWithFixture()
 {
     InteractiveChangeOff off(this);
-    on_m_DL_Reset_Button_clicked();
+    resetCanvas();
     on_m_DL_AddFixture_Button_clicked();
 }
 
@@ -970,13 +967,14 @@ const VxFixture* Runplan::currentFixture() const
     return currentFixtureRecord();
 }
 
+bool Runplan::isExportRunning() const
+{
+    return m_exportRunner->isRunning();
+}
+
 bool Runplan::progress(int percent)
 {
-    if (m_progressDialog) {
-        m_progressDialog->setPercent(percent);
-        QCoreApplication::processEvents();
-    }
-    return m_exportRunning;
+    return m_exportRunner->progress(percent);
 }
 
 void Runplan::on_actionMaximizeAll_triggered()
@@ -1002,68 +1000,32 @@ void Runplan::runExport(bool all)
             history->rebase();
         }
     } rebase{m_history, pause};
-    QString fileName = m_exportFileName;
-    if (m_runningBatchCommands) {
-        if (fileName.isEmpty())
-            fileName = RunplanSettings::defaultMaximizeFixtureFile();
-        if (!m_db->isValid()) {
-            std::fprintf(stderr, "%s\n",
-                         qPrintable(tr("Runplan: the catalog %1 is not valid; nothing was exported.")
-                                        .arg(QDir::toNativeSeparators(m_db->path()))));
-            finishBatch(1);
-            return;
-        }
-    } else {
-        fileName =
+    const QString fileName = exportFileName();
+    if (fileName.isEmpty())
+        return;
+    const auto kind = all ? ExportRunner::Kind::AllFixtures : ExportRunner::Kind::CurrentFixture;
+    const bool written = m_exportRunner->run(kind, fileName, *this, m_runningBatchCommands, m_reporter.get());
+    if (m_runningBatchCommands)
+        finishBatch(written ? 0 : 1);
+}
+
+QString Runplan::exportFileName()
+{
+    if (!m_runningBatchCommands) {
+        const QString chosen =
             m_prompter->getSaveFileName(this, tr("Select file"), RunplanSettings::maximizeFixtureFile(),
                                         tr("CSV File (*.csv);; All Files (*.*)"));
-        RunplanSettings::setMaximizeFixtureFile(fileName);
-        qDebug() << fileName;
-        if (fileName.isEmpty())
-            return;
+        RunplanSettings::setMaximizeFixtureFile(chosen);
+        return chosen;
     }
-
-    QFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
-        if (m_runningBatchCommands) {
-            std::fprintf(stderr, "%s\n",
-                         qPrintable(tr("Runplan: cannot write %1: %2")
-                                        .arg(QDir::toNativeSeparators(fileName), file.errorString())));
-            finishBatch(1);
-        }
-        return;
+    if (!m_db->isValid()) {
+        m_reporter->message(Reporter::Kind::Critical, QStringLiteral("Runplan"),
+                            tr("the catalog %1 is not valid; nothing was exported.")
+                                .arg(QDir::toNativeSeparators(m_db->path())));
+        finishBatch(1);
+        return QString();
     }
-
-    m_exportRunning = true;
-    if (!m_runningBatchCommands) {
-        m_progressDialog = new LoadingDialog(this);
-        connect(m_progressDialog->cancelButton(), &QPushButton::clicked, this,
-                &Runplan::handleProgressDialogClosed);
-        connect(m_progressDialog, &QDialog::rejected, this, &Runplan::handleProgressDialogClosed);
-        m_progressDialog->showCentredOn(QApplication::activeWindow());
-        QCoreApplication::processEvents();
-    }
-
-    if (all)
-        CsvExport::exportAllFixtures(file, *this);
-    else
-        CsvExport::exportCurrentFixture(file, *this);
-    file.close();
-    const bool written = file.error() == QFileDevice::NoError;
-    m_exportRunning = false;
-
-    if (m_progressDialog) {
-        m_progressDialog->hide();
-        m_progressDialog->deleteLater();
-        m_progressDialog = nullptr;
-    }
-    if (m_runningBatchCommands) {
-        if (!written)
-            std::fprintf(stderr, "%s\n",
-                         qPrintable(tr("Runplan: writing %1 failed: %2")
-                                        .arg(QDir::toNativeSeparators(fileName), file.errorString())));
-        finishBatch(written ? 0 : 1);
-    }
+    return m_exportFileName.isEmpty() ? RunplanSettings::defaultMaximizeFixtureFile() : m_exportFileName;
 }
 
 void Runplan::finishBatch(int exitCode)
@@ -1204,7 +1166,7 @@ void Runplan::handleNewAction()
     }
     chooseDefaultLineVoltage();
     ui->m_DL_MaxLoad_Combo->setCurrentIndex(0);
-    on_m_DL_Reset_Button_clicked();
+    resetCanvas();
     m_doc->setModified(false);
     setCurrentFile(QString());
     m_doc->setModified(false);

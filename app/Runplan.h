@@ -18,6 +18,7 @@ class RunplanClass;
 class AboutDialog;
 class Autosave;
 class EditHistory;
+class ExportRunner;
 struct DocumentSnapshot;
 class CFrame;
 class ConfigDocument;
@@ -71,7 +72,7 @@ public:
     void setInteractiveChange(bool on) { m_interactiveChange = on; }
     bool isRunningBatchCommands() const { return m_runningBatchCommands; }
     void setRunningBatchCommands(bool on) { m_runningBatchCommands = on; }
-    bool isExportRunning() const { return m_exportRunning; }
+    bool isExportRunning() const;
 
     // The command-line step: applies the options in order through the selectors, opens the
     // project file given last and queues runCommands(). False when that project could not be read.
@@ -111,7 +112,7 @@ public:
     double zoomFactor() const { return m_zoomFactor; }
     void showStatusLine(const QString& text);
 
-    // Reset button: a new enabler on an empty canvas.
+    // Reset button (it has no widget of its own in the form): see resetCanvas().
     void on_m_DL_Reset_Button_clicked();
     void on_m_DL_Delete_Button_clicked();
 
@@ -200,6 +201,9 @@ private:
     class WindowReporter;
     // Runs the analysis now, whatever suspends the automatic one.
     void runAnalysis();
+    // A new enabler, the selected one, on an empty canvas (the Reset button, enabler and fixture
+    // changes that clear, New, the exports' fresh start).
+    void resetCanvas();
     void rebuildVoltageList(const DLFixture* fixture);
     void updateAddButtons(const QModelIndex& index);
     void setFieldColor(QLineEdit* edit, const QColor& color);
@@ -207,6 +211,9 @@ private:
     void chooseDefaultLineVoltage();
     // The two CSV exports; all: every fixture of the two listed enablers, else the chosen one.
     void runExport(bool all);
+    // The file an export writes: asked for at the desktop, the command line's (or the default)
+    // when unattended; empty to export nothing.
+    QString exportFileName();
     void finishBatch(int exitCode);
     void setWindowTitleFor(const QString& path);
     // Puts a state of the undo history back and analyses it as any change.
@@ -222,12 +229,11 @@ private:
     Prompter* m_prompter = nullptr;
     std::unique_ptr<WindowReporter> m_reporter;
     QPointer<AboutDialog> m_aboutDialog;
-    QPointer<LoadingDialog> m_progressDialog;
+    ExportRunner* m_exportRunner = nullptr;
 
     QString m_currentFile;
     bool m_interactiveChange = true;
     bool m_runningBatchCommands = false;
-    bool m_exportRunning = false;
     bool m_maximizeAllRequested = false;
     bool m_maximizeFixtureRequested = false;
     QString m_exportFileName;

@@ -241,9 +241,8 @@ void CWidget::applyEditorValue(int id, const QVariant& value)
     emit valueChanged();
 }
 
-QDomElement CWidget::saveToXml(QDomDocument& doc, bool* ok) const
+QDomElement CWidget::saveToXml(QDomDocument& doc) const
 {
-    Q_UNUSED(ok) // no step of writing a component can fail
     QDomElement e = doc.createElement(QStringLiteral("CWidget"));
     e.setAttribute(QStringLiteral("CWidgetItemType"), m_itemType);
     for (int id : propertyIds()) {
@@ -270,7 +269,7 @@ QDomElement CWidget::saveToXml(QDomDocument& doc, bool* ok) const
     if (fixture.metaType().id() == QMetaType::QString && !fixture.toString().isEmpty())
         e.setAttribute(QStringLiteral("fixtureName"), fixture.toString());
     for (const CWidget* c : m_children)
-        e.appendChild(c->saveToXml(doc, ok));
+        e.appendChild(c->saveToXml(doc));
     return e;
 }
 
@@ -775,7 +774,7 @@ EditorRule BranchWireWidget::editorRule(int id) const
         const QString mode = effectiveMode();
         int maximum = 999;
         if (mode == Modes::feedwise()) {
-            maximum = m_location == Modes::aboveGround() ? 427 : 294;
+            maximum = static_cast<int>(Modes::feedwiseMaxLength(m_location));
         } else if (mode == Modes::dynaline()) {
             const VxWire* w = m_wire ? m_wire->wireNamed(m_gauge) : nullptr;
             maximum = w ? roundToInt(w->maxLength) : 175;

@@ -141,9 +141,9 @@ void ConfigDocument::reset()
     setModified(true);
 }
 
-CWidget* ConfigDocument::addBranchWire(int spare, const QString& inputMode, bool defaultWireName)
+CWidget* ConfigDocument::addBranchWire(int spare, const QString& inputMode)
 {
-    Q_UNUSED(defaultWireName) // a new branch wire always takes the catalog's default name and gauge
+    // A new branch wire always takes the catalog's default name and gauge.
     auto* wire = new BranchWireWidget(m_db, m_db ? m_db->firstBranchWire() : nullptr);
     wire->setSpare(spare);
     wire->setLocation(lastLocation());
@@ -159,7 +159,7 @@ CWidget* ConfigDocument::addSupply(DLPowerSupply* record)
     const bool hadSupply = count(ItemSupply) > 0;
     const CWidget* cur = current();
     if (hadSupply && (!cur || cur->itemType() != ItemBranchWire)) {
-        if (!addBranchWire(3, Modes::feedwise(), true))
+        if (!addBranchWire(3, Modes::feedwise()))
             return nullptr;
     }
     auto* supply = new SupplyWidget(m_db, record, 0);
@@ -220,7 +220,7 @@ CWidget* ConfigDocument::addReceiver()
 {
     const CWidget* cur = current();
     if (!cur || cur->itemType() != ItemBranchWire) {
-        if (!addBranchWire(3, Modes::feedwise(), false))
+        if (!addBranchWire(3, Modes::feedwise()))
             return nullptr;
     }
     DLReceiver* rec = (m_db && !m_db->receivers().isEmpty()) ? m_db->receivers().first() : nullptr;
@@ -234,7 +234,7 @@ CWidget* ConfigDocument::addJunctionBox()
     const bool onReceiver = cur && cur->itemType() == ItemReceiver;
     if (!cur || cur->itemType() != ItemBranchWire) {
         const QString mode = onReceiver ? Modes::feedwise() : (cur ? cur->locationText() : QString());
-        if (!addBranchWire(4, mode, false))
+        if (!addBranchWire(4, mode))
             return nullptr;
     }
     DLJunctionBox* rec = nullptr;
