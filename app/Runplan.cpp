@@ -4,7 +4,10 @@
 #include "app/Autosave.h"
 #include "app/ExportRunner.h"
 #include "app/CommandLine.h"
+#include "app/GuiReporter.h"
 #include "app/Prompter.h"
+#include "app/DocumentLifecycle.h"
+#include "app/WindowScopes.h"
 #include "app/commands/CommandText.h"
 #include "app/commands/EditHistory.h"
 #include "calc/Maximize.h"
@@ -52,69 +55,13 @@ namespace
 {
 Runplan* g_mainWindow = nullptr;
 
-// Switches the clear question off for a scope and restores the previous setting after.
-class InteractiveChangeOff
-{
-public:
-    explicit InteractiveChangeOff(Runplan* w) : m_window(w), m_previous(w->isInteractiveChange())
-    {
-        w->setInteractiveChange(false);
-    }
-    ~InteractiveChangeOff() { m_window->setInteractiveChange(m_previous); }
-    InteractiveChangeOff(const InteractiveChangeOff&) = delete;
-    InteractiveChangeOff& operator=(const InteractiveChangeOff&) = delete;
-
-private:
-    Runplan* m_window;
-    bool m_previous;
-};
-
-// Holds the automatic analysis back for a scope.
-class AnalysisHold
-{
-public:
-    explicit AnalysisHold(int& counter) : m_counter(counter) { ++m_counter; }
-    ~AnalysisHold() { --m_counter; }
-    AnalysisHold(const AnalysisHold&) = delete;
-    AnalysisHold& operator=(const AnalysisHold&) = delete;
-
-private:
-    int& m_counter;
-};
-
 constexpr int MaxReceiversPerRun = 63;
-
-QString projectFilter()
-{
-    return QObject::tr("Configuration Files (*.rpproj);;All Files (*.* *)");
-}
 
 int findExact(const QComboBox* combo, const QString& text)
 {
     return combo->findText(text, Qt::MatchFixedString | Qt::MatchCaseSensitive);
 }
 } // namespace
-
-// Routes the engine's words to this window: messages to the process-wide reporter (message boxes
-// at the desktop, standard error when unattended), status lines to the status bar and log lines
-// to the output log.
-class Runplan::WindowReporter : public Reporter
-{
-public:
-    explicit WindowReporter(Runplan* window) : m_window(window) {}
-    void message(Kind kind, const QString& title, const QString& text) override
-    {
-        Reporter::global()->message(kind, title, text);
-    }
-    void status(const QString& text) override { m_window->showStatusLine(text); }
-    void log(const QString& text, bool failing) override
-    {
-        m_window->statusMessage(text, failing ? failingLogColor() : passingLogColor());
-    }
-
-private:
-    Runplan* m_window;
-};
 
 Runplan* Runplan::instance()
 {
@@ -123,7 +70,7 @@ Runplan* Runplan::instance()
 
 Runplan::Runplan(QWidget* parent)
     : QMainWindow(parent), ui(new Ui::RunplanClass), m_defaultPrompter(new DialogPrompter),
-      m_reporter(new WindowReporter(this))
+      m_reporter(new GuiReporter(this)), m_lifecycle(new DocumentLifecycle(this))
 {
     g_mainWindow = this;
     m_prompter = m_defaultPrompter.get();
@@ -167,7 +114,7 @@ Runplan::Runplan(QWidget* parent)
         m_doc, this, [this](const DocumentSnapshot& state) { restoreState(state); }, this);
     m_autosave = new Autosave(
         m_doc, m_history, [this]() { return ProjectFile::toBytes(*m_doc, *this); },
-        [this]() { return m_currentFile; }, this);
+        [this]() { return m_lifecycle->currentFile(); }, this);
     auto pause = std::make_unique<EditHistory::Pause>(m_history);
     ui->m_DL_Frame->setDocument(m_doc);
     ui->m_DL_Frame->confirmDelete = [this]() { return m_prompter->confirmDelete(this); };
@@ -254,7 +201,7 @@ Runplan::Runplan(QWidget* parent)
     ui->m_zoomComboBox->setCurrentIndex(ui->m_zoomComboBox->count() - 1);
 
     // Title.
-    setWindowTitleFor(QString());
+    m_lifecycle->setWindowTitleFor(QString());
 
     // Stored window state; the line key shows unless it was switched off.
     QSettings settings;
@@ -877,39 +824,6 @@ void Runplan::restoreState(const DocumentSnapshot& state)
     updateAddButtons(m_doc->currentIndex());
 }
 
-bool Runplan::offerRecovery()
-{
-    RecoveryStore::Orphan orphan;
-    while (m_autosave->store().claimOrphan(&orphan)) {
-        const QString name =
-            orphan.originalPath.isEmpty() ? tr("Untitled.rpproj") : QFileInfo(orphan.originalPath).fileName();
-        if (!m_prompter->askRecover(this, name)) {
-            m_autosave->store().finishClaim();
-            continue;
-        }
-        bool read = false;
-        {
-            EditHistory::Pause pause(m_history);
-            AnalysisHold hold(m_analysisSuspended);
-            InteractiveChangeOff off(this);
-            read = ProjectFile::read(orphan.project, *m_doc, *this, m_reporter.get(), orphan.projectPath);
-        }
-        if (!read) {
-            m_autosave->store().finishClaim();
-            continue;
-        }
-        setCurrentFile(orphan.originalPath);
-        m_doc->setModified(true);
-        m_history->restartUnsaved();
-        runAnalysis();
-        // The changes are this window's now: its own recovery file takes them over.
-        m_autosave->writeNow();
-        m_autosave->store().finishClaim();
-        return true;
-    }
-    return false;
-}
-
 // =============================================================================================
 // Exports
 
@@ -1107,144 +1021,61 @@ void Runplan::runCommands()
 }
 
 // =============================================================================================
-// Document commands
+// Document commands (the work is the document lifecycle's)
+
+QString Runplan::currentFilePath() const
+{
+    return m_lifecycle->currentFile();
+}
 
 QString Runplan::displayName() const
 {
-    return m_currentFile.isEmpty() ? tr("Untitled.rpproj") : QFileInfo(m_currentFile).fileName();
-}
-
-void Runplan::setWindowTitleFor(const QString& path)
-{
-    const QString name = path.isEmpty() ? tr("Untitled.rpproj") : QFileInfo(path).fileName();
-    setWindowTitle(tr("%1[*] - %2 Release %3.%4.%5 [Build %6-%7]")
-                       .arg(name, RunplanVersion::applicationName())
-                       .arg(RunplanVersion::Major)
-                       .arg(RunplanVersion::Minor)
-                       .arg(RunplanVersion::Revision)
-                       .arg(RunplanVersion::BuildDate)
-                       .arg(RunplanVersion::buildTag()));
+    return m_lifecycle->displayName();
 }
 
 void Runplan::setCurrentFile(const QString& path)
 {
-    m_currentFile = path;
-    const QString shown = path.isEmpty() ? QString() : QFileInfo(path).fileName();
-    ui->actionSave->setText(tr("&Save %1").arg(shown));
-    ui->actionSaveAs->setText(tr("Save %1 &As...").arg(shown));
-    setWindowTitleFor(path);
+    m_lifecycle->setCurrentFile(path);
 }
 
 bool Runplan::offerToSaveIfNeeded()
 {
-    if (m_runningBatchCommands || !m_doc->isModified())
-        return false;
-    switch (m_prompter->askSaveChanges(this, displayName())) {
-    case Prompter::SaveChoice::Save:
-        handleSaveAction();
-        // A save that was cancelled or failed leaves the changes unsaved: do not go on.
-        return m_doc->isModified();
-    case Prompter::SaveChoice::Discard:
-        return false;
-    case Prompter::SaveChoice::Cancel:
-        return true;
-    }
-    return true;
+    return m_lifecycle->offerToSaveIfNeeded();
 }
 
 void Runplan::handleNewAction()
 {
-    if (offerToSaveIfNeeded())
-        return;
-    m_autosave->discard();
-    // One step: Undo brings the previous configuration back as unsaved changes.
-    EditHistory::Step step(m_history, CommandText::newConfiguration());
-    {
-        InteractiveChangeOff off(this);
-        if (ui->m_DLSupply_Combo->count() > 0)
-            ui->m_DLSupply_Combo->setCurrentIndex(0);
-    }
-    chooseDefaultLineVoltage();
-    ui->m_DL_MaxLoad_Combo->setCurrentIndex(0);
-    resetCanvas();
-    m_doc->setModified(false);
-    setCurrentFile(QString());
-    m_doc->setModified(false);
+    m_lifecycle->newConfiguration();
 }
 
 void Runplan::handleOpenAction()
 {
-    if (offerToSaveIfNeeded())
-        return;
-    const QString path = m_prompter->getOpenFileName(this, tr("Open Configuration"),
-                                                     RunplanSettings::lastDirPath(), projectFilter());
-    if (path.isEmpty())
-        return;
-    RunplanSettings::setLastDirPath(QFileInfo(path).absolutePath());
-    openProject(path);
+    m_lifecycle->chooseAndOpen();
 }
 
 bool Runplan::openProject(const QString& path)
 {
-    bool opened = false;
-    {
-        EditHistory::Pause pause(m_history);
-        AnalysisHold hold(m_analysisSuspended);
-        InteractiveChangeOff off(this);
-        QApplication::setOverrideCursor(Qt::WaitCursor);
-        opened = ProjectFile::open(path, *m_doc, *this, m_reporter.get());
-        QApplication::restoreOverrideCursor();
-    }
-    if (opened) {
-        setCurrentFile(path);
-        m_doc->setModified(false);
-        m_history->restart();
-        m_autosave->discard();
-        runAnalysis();
-    }
-    return opened;
+    return m_lifecycle->open(path);
 }
 
 bool Runplan::saveProject(const QString& path)
 {
-    QString saved;
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    const bool ok = ProjectFile::save(path, *m_doc, *this, m_reporter.get(), &saved);
-    QApplication::restoreOverrideCursor();
-    if (ok) {
-        setCurrentFile(saved);
-        m_history->markSaved();
-        m_autosave->discard();
-    }
-    return ok;
+    return m_lifecycle->save(path);
 }
 
 void Runplan::handleSaveAction()
 {
-    if (!m_currentFile.isEmpty())
-        saveProject(m_currentFile);
-    else
-        handleSaveAsAction();
+    m_lifecycle->saveCurrent();
 }
 
 void Runplan::handleSaveAsAction()
 {
-    const QString proposed = QDir(RunplanSettings::lastDirPath()).filePath(tr("Untitled.rpproj"));
-    const QString extension = QStringLiteral(".rpproj");
-    for (;;) {
-        QString name = m_prompter->getSaveFileName(this, tr("Save Configuration"), proposed, projectFilter());
-        if (name.isEmpty())
-            return;
-        if (!name.endsWith(extension)) {
-            // The file dialog checked the name it was given, not this one.
-            name += extension;
-            if (QFileInfo::exists(name) && !m_prompter->askReplace(this, name))
-                continue;
-        }
-        RunplanSettings::setLastDirPath(QFileInfo(name).absolutePath());
-        saveProject(name);
-        return;
-    }
+    m_lifecycle->saveAs();
+}
+
+bool Runplan::offerRecovery()
+{
+    return m_lifecycle->offerRecovery();
 }
 
 void Runplan::handlePrintAction()

@@ -16,8 +16,10 @@ namespace Ui
 class RunplanClass;
 }
 class AboutDialog;
+class DocumentLifecycle;
 class Autosave;
 class EditHistory;
+class GuiReporter;
 class ExportRunner;
 struct DocumentSnapshot;
 class CFrame;
@@ -87,7 +89,7 @@ public:
     bool offerRecovery();
 
     // Document commands
-    QString currentFilePath() const { return m_currentFile; }
+    QString currentFilePath() const;
     QString displayName() const;
     void setCurrentFile(const QString& path);
     // Asks to save unsaved changes; true when the user cancelled.
@@ -198,7 +200,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    class WindowReporter;
+    friend class DocumentLifecycle;
     // Runs the analysis now, whatever suspends the automatic one.
     void runAnalysis();
     // A new enabler, the selected one, on an empty canvas (the Reset button, enabler and fixture
@@ -215,7 +217,6 @@ private:
     // when unattended; empty to export nothing.
     QString exportFileName();
     void finishBatch(int exitCode);
-    void setWindowTitleFor(const QString& path);
     // Puts a state of the undo history back and analyses it as any change.
     void restoreState(const DocumentSnapshot& state);
     void setUpUndoActions();
@@ -227,11 +228,11 @@ private:
     Autosave* m_autosave = nullptr;
     std::unique_ptr<Prompter> m_defaultPrompter;
     Prompter* m_prompter = nullptr;
-    std::unique_ptr<WindowReporter> m_reporter;
+    std::unique_ptr<GuiReporter> m_reporter;
+    std::unique_ptr<DocumentLifecycle> m_lifecycle;
     QPointer<AboutDialog> m_aboutDialog;
     ExportRunner* m_exportRunner = nullptr;
 
-    QString m_currentFile;
     bool m_interactiveChange = true;
     bool m_runningBatchCommands = false;
     bool m_maximizeAllRequested = false;
