@@ -1,6 +1,7 @@
 #include "app/Runplan.h"
 
 #include "app/AboutDialog.h"
+#include "app/BatchRunner.h"
 #include "app/Autosave.h"
 #include "app/ExportRunner.h"
 #include "app/CommandLine.h"
@@ -70,7 +71,7 @@ Runplan* Runplan::instance()
 
 Runplan::Runplan(QWidget* parent)
     : QMainWindow(parent), ui(new Ui::RunplanClass), m_defaultPrompter(new DialogPrompter),
-      m_reporter(new GuiReporter(this)), m_lifecycle(new DocumentLifecycle(this))
+      m_reporter(new GuiReporter(this)), m_lifecycle(new DocumentLifecycle(this)), m_batch(new BatchRunner(this))
 {
     g_mainWindow = this;
     m_prompter = m_defaultPrompter.get();
@@ -939,14 +940,13 @@ QString Runplan::exportFileName()
         finishBatch(1);
         return QString();
     }
-    return m_exportFileName.isEmpty() ? RunplanSettings::defaultMaximizeFixtureFile() : m_exportFileName;
+    const QString given = m_batch->exportFile();
+    return given.isEmpty() ? RunplanSettings::defaultMaximizeFixtureFile() : given;
 }
 
 void Runplan::finishBatch(int exitCode)
 {
-    std::fflush(stdout);
-    std::fflush(stderr);
-    emit batchFinished(exitCode);
+    m_batch->finish(exitCode);
 }
 
 // =============================================================================================
@@ -959,65 +959,12 @@ bool Runplan::processCommandLine(const QStringList& arguments)
 
 bool Runplan::processCommandLine(const CommandLineOptions& options)
 {
-    if (options.unattended) {
-        // An unattended run has no history and nothing to recover.
-        m_runningBatchCommands = true;
-        m_history->setEnabled(false);
-        m_autosave->setEnabled(false);
-    }
-    if (options.maximizeAll) {
-        m_maximizeAllRequested = true;
-        m_maximizeAllFileName = options.maximizeAllFile;
-    }
-    if (options.maximizeFixture) {
-        m_maximizeFixtureRequested = true;
-        m_maximizeFixtureFileName = options.maximizeFixtureFile;
-    }
-    std::optional<EditHistory::Pause> pause(m_history);
-    for (const CommandLineOptions::Selection& s : options.selections) {
-        InteractiveChangeOff off(this);
-        switch (s.kind) {
-        case CommandLineOptions::Selection::Fixture: {
-            const int index = findExact(ui->m_DLFixture_Combo, s.value);
-            if (index >= 0)
-                ui->m_DLFixture_Combo->setCurrentIndex(index);
-            break;
-        }
-        case CommandLineOptions::Selection::PowerSupply: {
-            const int index = ui->m_DLSupply_Combo->findText(s.value, Qt::MatchFixedString);
-            if (index >= 0)
-                ui->m_DLSupply_Combo->setCurrentIndex(index);
-            break;
-        }
-        case CommandLineOptions::Selection::MaxCircuitLoad: {
-            const int index = ui->m_DL_MaxLoad_Combo->findText(s.value, Qt::MatchFixedString);
-            if (index >= 0)
-                ui->m_DL_MaxLoad_Combo->setCurrentIndex(index);
-            break;
-        }
-        }
-    }
-    pause.reset();
-    m_history->restart();
-    bool opened = true;
-    if (!options.projectFile.isEmpty())
-        opened = openProject(options.projectFile);
-    QTimer::singleShot(0, this, &Runplan::runCommands);
-    return opened;
+    return m_batch->start(options);
 }
 
 void Runplan::runCommands()
 {
-    if (m_maximizeAllRequested) {
-        m_exportFileName = m_maximizeAllFileName;
-        on_actionMaximizeAll_triggered();
-    } else if (m_maximizeFixtureRequested) {
-        m_exportFileName = m_maximizeFixtureFileName;
-        on_actionMaximizeFixture_triggered();
-    } else {
-        emit commandsDone();
-    }
-    qDebug() << "Command completed";
+    m_batch->run();
 }
 
 // =============================================================================================

@@ -16,6 +16,7 @@ namespace Ui
 class RunplanClass;
 }
 class AboutDialog;
+class BatchRunner;
 class DocumentLifecycle;
 class Autosave;
 class EditHistory;
@@ -200,6 +201,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    friend class BatchRunner;
     friend class DocumentLifecycle;
     // Runs the analysis now, whatever suspends the automatic one.
     void runAnalysis();
@@ -230,16 +232,12 @@ private:
     Prompter* m_prompter = nullptr;
     std::unique_ptr<GuiReporter> m_reporter;
     std::unique_ptr<DocumentLifecycle> m_lifecycle;
+    std::unique_ptr<BatchRunner> m_batch;
     QPointer<AboutDialog> m_aboutDialog;
     ExportRunner* m_exportRunner = nullptr;
 
     bool m_interactiveChange = true;
     bool m_runningBatchCommands = false;
-    bool m_maximizeAllRequested = false;
-    bool m_maximizeFixtureRequested = false;
-    QString m_exportFileName;
-    QString m_maximizeAllFileName;
-    QString m_maximizeFixtureFileName;
     double m_zoomFactor = 1.0;
     AnalysisResult m_lastResult;
 
