@@ -32,7 +32,6 @@ QString projectFilter()
 }
 } // namespace
 
-
 QString DocumentLifecycle::displayName() const
 {
     return m_currentFile.isEmpty() ? tr("Untitled.rpproj") : QFileInfo(m_currentFile).fileName();
@@ -42,12 +41,12 @@ void DocumentLifecycle::setWindowTitleFor(const QString& path)
 {
     const QString name = path.isEmpty() ? tr("Untitled.rpproj") : QFileInfo(path).fileName();
     m_window->setWindowTitle(tr("%1[*] - %2 Release %3.%4.%5 [Build %6-%7]")
-                       .arg(name, RunplanVersion::applicationName())
-                       .arg(RunplanVersion::Major)
-                       .arg(RunplanVersion::Minor)
-                       .arg(RunplanVersion::Revision)
-                       .arg(RunplanVersion::BuildDate)
-                       .arg(RunplanVersion::buildTag()));
+                                 .arg(name, RunplanVersion::applicationName())
+                                 .arg(RunplanVersion::Major)
+                                 .arg(RunplanVersion::Minor)
+                                 .arg(RunplanVersion::Revision)
+                                 .arg(RunplanVersion::BuildDate)
+                                 .arg(RunplanVersion::buildTag()));
 }
 
 void DocumentLifecycle::setCurrentFile(const QString& path)
@@ -100,8 +99,8 @@ void DocumentLifecycle::chooseAndOpen()
 {
     if (offerToSaveIfNeeded())
         return;
-    const QString path = m_window->m_prompter->getOpenFileName(m_window, tr("Open Configuration"),
-                                                     RunplanSettings::lastDirPath(), projectFilter());
+    const QString path = m_window->m_prompter->getOpenFileName(
+        m_window, tr("Open Configuration"), RunplanSettings::lastDirPath(), projectFilter());
     if (path.isEmpty())
         return;
     RunplanSettings::setLastDirPath(QFileInfo(path).absolutePath());
@@ -156,7 +155,8 @@ void DocumentLifecycle::saveAs()
     const QString proposed = QDir(RunplanSettings::lastDirPath()).filePath(tr("Untitled.rpproj"));
     const QString extension = QStringLiteral(".rpproj");
     for (;;) {
-        QString name = m_window->m_prompter->getSaveFileName(m_window, tr("Save Configuration"), proposed, projectFilter());
+        QString name = m_window->m_prompter->getSaveFileName(m_window, tr("Save Configuration"), proposed,
+                                                             projectFilter());
         if (name.isEmpty())
             return;
         if (!name.endsWith(extension)) {
@@ -186,7 +186,8 @@ bool DocumentLifecycle::offerRecovery()
             EditHistory::Pause pause(m_window->m_history);
             AnalysisHold hold(m_window->m_analysisSuspended);
             InteractiveChangeOff off(m_window);
-            read = ProjectFile::read(orphan.project, *m_window->m_doc, *m_window, m_window->m_reporter.get(), orphan.projectPath);
+            read = ProjectFile::read(orphan.project, *m_window->m_doc, *m_window, m_window->m_reporter.get(),
+                                     orphan.projectPath);
         }
         if (!read) {
             m_window->m_autosave->store().finishClaim();
@@ -203,4 +204,3 @@ bool DocumentLifecycle::offerRecovery()
     }
     return false;
 }
-

@@ -21,13 +21,15 @@ void runWithProgress(QWidget* parent, const std::function<void()>& work)
 
 ExportRunner::ExportRunner(QWidget* window) : QObject(window), m_window(window) {}
 
-bool ExportRunner::run(Kind kind, const QString& fileName, ExportHost& host, bool unattended, Reporter* reporter)
+bool ExportRunner::run(Kind kind, const QString& fileName, ExportHost& host, bool unattended,
+                       Reporter* reporter)
 {
     QFile file(fileName);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
         if (unattended)
-            reporter->message(Reporter::Kind::Critical, QStringLiteral("Runplan"),
-                              tr("cannot write %1: %2").arg(QDir::toNativeSeparators(fileName), file.errorString()));
+            reporter->message(
+                Reporter::Kind::Critical, QStringLiteral("Runplan"),
+                tr("cannot write %1: %2").arg(QDir::toNativeSeparators(fileName), file.errorString()));
         return false;
     }
 
@@ -52,8 +54,9 @@ bool ExportRunner::run(Kind kind, const QString& fileName, ExportHost& host, boo
         m_dialog = nullptr;
     }
     if (unattended && !written)
-        reporter->message(Reporter::Kind::Critical, QStringLiteral("Runplan"),
-                          tr("writing %1 failed: %2").arg(QDir::toNativeSeparators(fileName), file.errorString()));
+        reporter->message(
+            Reporter::Kind::Critical, QStringLiteral("Runplan"),
+            tr("writing %1 failed: %2").arg(QDir::toNativeSeparators(fileName), file.errorString()));
     return written;
 }
 

@@ -68,7 +68,8 @@ bool RecoveryStore::write(const QByteArray& project, const QString& originalPath
         m_lock = std::move(lock);
     }
     using ProjectFile::WriteResult;
-    return ProjectFile::writeAtomically(m_base + kOriginSuffix, originalPath.toUtf8()) == WriteResult::Written &&
+    return ProjectFile::writeAtomically(m_base + kOriginSuffix, originalPath.toUtf8()) ==
+               WriteResult::Written &&
            ProjectFile::writeAtomically(filePath(), project) == WriteResult::Written;
 }
 

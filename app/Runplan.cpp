@@ -1,13 +1,13 @@
 #include "app/Runplan.h"
 
 #include "app/AboutDialog.h"
-#include "app/BatchRunner.h"
 #include "app/Autosave.h"
-#include "app/ExportRunner.h"
+#include "app/BatchRunner.h"
 #include "app/CommandLine.h"
+#include "app/DocumentLifecycle.h"
+#include "app/ExportRunner.h"
 #include "app/GuiReporter.h"
 #include "app/Prompter.h"
-#include "app/DocumentLifecycle.h"
 #include "app/WindowScopes.h"
 #include "app/commands/CommandText.h"
 #include "app/commands/EditHistory.h"
@@ -58,6 +58,13 @@ Runplan* g_mainWindow = nullptr;
 
 constexpr int MaxReceiversPerRun = 63;
 
+QFont boldFont()
+{
+    QFont bold = QApplication::font();
+    bold.setWeight(QFont::Bold);
+    return bold;
+}
+
 int findExact(const QComboBox* combo, const QString& text)
 {
     return combo->findText(text, Qt::MatchFixedString | Qt::MatchCaseSensitive);
@@ -71,7 +78,8 @@ Runplan* Runplan::instance()
 
 Runplan::Runplan(QWidget* parent)
     : QMainWindow(parent), ui(new Ui::RunplanClass), m_defaultPrompter(new DialogPrompter),
-      m_reporter(new GuiReporter(this)), m_lifecycle(new DocumentLifecycle(this)), m_batch(new BatchRunner(this))
+      m_reporter(new GuiReporter(this)), m_lifecycle(new DocumentLifecycle(this)),
+      m_batch(new BatchRunner(this))
 {
     g_mainWindow = this;
     m_prompter = m_defaultPrompter.get();
@@ -80,31 +88,7 @@ Runplan::Runplan(QWidget* parent)
     // first analysis.
     auto hold = std::make_unique<AnalysisHold>(m_analysisSuspended);
 
-    // Form and icon.
-    ui->setupUi(this);
-    setWindowIcon(QIcon(QStringLiteral(":/Runplan.ico")));
-
-    // Bold labels; only the Dynaline page stays.
-    QFont bold = QApplication::font();
-    bold.setWeight(QFont::Bold);
-    ui->m_DL_Supply_Label->setFont(bold);
-    ui->m_DL_Fixture_Label->setFont(bold);
-    for (int page : {3, 2, 1}) {
-        QWidget* removed = ui->tabWidget->widget(page);
-        removed->setEnabled(false);
-        ui->tabWidget->removeTab(page);
-        removed->deleteLater();
-    }
-    ui->m_DLFixture_Combo->setFocus();
-
-    // Version line.
-    statusMessage(tr("Vorlux Runplan Version  %1.%2.%3 Build %4-%5")
-                      .arg(RunplanVersion::Major)
-                      .arg(RunplanVersion::Minor)
-                      .arg(RunplanVersion::Revision)
-                      .arg(RunplanVersion::BuildDate)
-                      .arg(RunplanVersion::buildTag()),
-                  passingLogColor());
+    setUpForm();
 
     // The catalog: its first use loads it and reports its own faults. The canvas and the
     // property table are two views on the one configuration.
@@ -128,8 +112,57 @@ Runplan::Runplan(QWidget* parent)
             ui->m_DLSupply_Combo->addItem(supply->name, QVariant::fromValue(supply));
     }
 
-    // Initial choices.
+    chooseInitialInputs();
+    hold.reset();
+
+    connectViews();
+
+    resetCanvas();
+    m_doc->setModified(false);
+    setUpUndoActions();
+    pause.reset();
+    m_history->restart();
+
+    setUpActionTips();
+
+    // Title.
+    m_lifecycle->setWindowTitleFor(QString());
+    restoreWindowState();
+}
+
+// The form, its icon and bold labels, the Dynaline page alone, the version line.
+void Runplan::setUpForm()
+{
+    ui->setupUi(this);
+    setWindowIcon(QIcon(QStringLiteral(":/Runplan.ico")));
+
+    // Bold labels; only the Dynaline page stays.
+    const QFont bold = boldFont();
+    ui->m_DL_Supply_Label->setFont(bold);
+    ui->m_DL_Fixture_Label->setFont(bold);
+    for (int page : {3, 2, 1}) {
+        QWidget* removed = ui->tabWidget->widget(page);
+        removed->setEnabled(false);
+        ui->tabWidget->removeTab(page);
+        removed->deleteLater();
+    }
+    ui->m_DLFixture_Combo->setFocus();
+
+    // Version line.
+    statusMessage(tr("Vorlux Runplan Version  %1.%2.%3 Build %4-%5")
+                      .arg(RunplanVersion::Major)
+                      .arg(RunplanVersion::Minor)
+                      .arg(RunplanVersion::Revision)
+                      .arg(RunplanVersion::BuildDate)
+                      .arg(RunplanVersion::buildTag()),
+                  passingLogColor());
+}
+
+// The circuit inputs a new window starts with.
+void Runplan::chooseInitialInputs()
+{
     ui->m_DL_AddReceiver_Button->hide();
+    const QFont bold = boldFont();
     ui->m_DL_TotalPower_Label->setFont(bold);
     ui->m_DL_TotalFixtures_Label->setFont(bold);
     chooseDefaultLineVoltage();
@@ -141,9 +174,11 @@ Runplan::Runplan(QWidget* parent)
     ui->m_DL_MaxLoad_Spin->hide();
     ui->m_DL_TotalPowerWatts_Edit->setAutoFillBackground(true);
     ui->m_DL_TotalPowerAmps_Edit->setAutoFillBackground(true);
-    hold.reset();
+}
 
-    // Connections.
+// The canvas, the property table, the actions and the undo history, wired to the window.
+void Runplan::connectViews()
+{
     CFrame* canvas = ui->m_DL_Frame;
     connect(canvas, &CFrame::frameChanged, this, &Runplan::DL_Update);
     connect(this, &Runplan::paramChanged, canvas, &CFrame::handleParamChanged);
@@ -169,16 +204,13 @@ Runplan::Runplan(QWidget* parent)
     connect(m_doc->model(), &CWidgetModel::propertyEdited, this, [this](int column) {
         // The edit is already stored: the step records it.
         EditHistory::Step step(
-            m_history,
-            CommandText::change(m_doc->model()->headerData(column, Qt::Horizontal).toString()));
+            m_history, CommandText::change(m_doc->model()->headerData(column, Qt::Horizontal).toString()));
     });
-    resetCanvas();
-    m_doc->setModified(false);
-    setUpUndoActions();
-    pause.reset();
-    m_history->restart();
+}
 
-    // Tips, icons and the zoom list.
+// Status tips, icons and the zoom list.
+void Runplan::setUpActionTips()
+{
     ui->actionNew->setStatusTip(tr("Create a new configuration"));
     ui->actionOpen->setStatusTip(tr("Open an exisiting configuration, checking for unsaved changes"));
     ui->actionSave->setStatusTip(tr("Save the current configuration"));
@@ -200,18 +232,18 @@ Runplan::Runplan(QWidget* parent)
     for (int percent = 10; percent <= 100; percent += 10)
         ui->m_zoomComboBox->addItem(QString::number(percent) + QLatin1Char('%'));
     ui->m_zoomComboBox->setCurrentIndex(ui->m_zoomComboBox->count() - 1);
+}
 
-    // Title.
-    m_lifecycle->setWindowTitleFor(QString());
-
-    // Stored window state; the line key shows unless it was switched off.
+// Stored window state; the line key shows unless it was switched off.
+void Runplan::restoreWindowState()
+{
     QSettings settings;
     if (settings.contains(RunplanSettings::windowGeometryKey()))
         restoreGeometry(settings.value(RunplanSettings::windowGeometryKey()).toByteArray());
     ui->actionLineColorKey->setChecked(settings.contains(RunplanSettings::lineKeyActiveKey())
                                            ? settings.value(RunplanSettings::lineKeyActiveKey()).toBool()
                                            : true);
-    canvas->handleLineKeyToggled(ui->actionLineColorKey->isChecked());
+    ui->m_DL_Frame->handleLineKeyToggled(ui->actionLineColorKey->isChecked());
 }
 
 Runplan::~Runplan()
@@ -294,13 +326,15 @@ void Runplan::emitInputChanged()
 void Runplan::on_m_DL_LineVoltage_Combo_currentIndexChanged(int index)
 {
     EditHistory::Step step(m_history, CommandText::change(tr("Line Voltage")));
-    ui->m_DL_LineVoltage_Spin->setVisible(ui->m_DL_LineVoltage_Combo->itemText(index) == HeaderChoices::otherEntry());
+    ui->m_DL_LineVoltage_Spin->setVisible(ui->m_DL_LineVoltage_Combo->itemText(index) ==
+                                          HeaderChoices::otherEntry());
     emitInputChanged();
 }
 
 void Runplan::on_m_DL_LineVoltage_Spin_valueChanged(int value)
 {
-    EditHistory::Step step(m_history, CommandText::change(tr("Line Voltage")), CommandText::CustomLineVoltage);
+    EditHistory::Step step(m_history, CommandText::change(tr("Line Voltage")),
+                           CommandText::CustomLineVoltage);
     Q_UNUSED(value)
     emitInputChanged();
 }
@@ -369,7 +403,8 @@ CircuitInputs Runplan::circuitInputs() const
 {
     CircuitInputs in;
     const QString volts = ui->m_DL_LineVoltage_Combo->currentText();
-    in.lineVoltage = volts == HeaderChoices::otherEntry() ? ui->m_DL_LineVoltage_Spin->value() : volts.toDouble();
+    in.lineVoltage =
+        volts == HeaderChoices::otherEntry() ? ui->m_DL_LineVoltage_Spin->value() : volts.toDouble();
     const int load = ui->m_DL_MaxLoad_Combo->currentIndex();
     in.maxCircuitLoad = (load >= 0 && load == ui->m_DL_MaxLoad_Combo->count() - 1)
                             ? ui->m_DL_MaxLoad_Spin->value()

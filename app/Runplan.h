@@ -222,6 +222,12 @@ private:
     // Puts a state of the undo history back and analyses it as any change.
     void restoreState(const DocumentSnapshot& state);
     void setUpUndoActions();
+    // Construction steps.
+    void setUpForm();
+    void chooseInitialInputs();
+    void connectViews();
+    void setUpActionTips();
+    void restoreWindowState();
 
     Ui::RunplanClass* ui;
     const Database* m_db = nullptr;

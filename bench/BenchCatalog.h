@@ -21,4 +21,3 @@ inline const char* const kMaximizeCatalog = R"(<?xml version="1.0" encoding="UTF
   </FixtureList>
 </BenchCatalog>
 )";
-

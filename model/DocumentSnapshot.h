@@ -28,7 +28,7 @@ struct DocumentSnapshot {
         }
     };
 
-    QByteArray project;     // compressed project-file bytes
+    QByteArray project; // compressed project-file bytes
     QList<Unsaved> unsaved;
     QList<int> currentPath; // rows from the top-level component down to the current one
     bool hasCurrent = false;

@@ -7,8 +7,8 @@ class CWidget;
 // The names of the undoable edits as the Edit menu shows them after "Undo" and "Redo".
 namespace CommandText
 {
-QString add(int kind);           // "Add Fixture"
-QString remove(const CWidget* w); // "Delete Receiver"; "Delete" when nothing is selected
+QString add(int kind);               // "Add Fixture"
+QString remove(const CWidget* w);    // "Delete Receiver"; "Delete" when nothing is selected
 QString change(const QString& what); // "Change Length", "Change Line Voltage"
 QString maximize();
 QString reset();

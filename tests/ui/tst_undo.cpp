@@ -65,7 +65,10 @@ struct Seen {
     QByteArray bytes;
     QString totals;
     QList<int> selection;
-    bool operator==(const Seen& o) const { return bytes == o.bytes && totals == o.totals && selection == o.selection; }
+    bool operator==(const Seen& o) const
+    {
+        return bytes == o.bytes && totals == o.totals && selection == o.selection;
+    }
 };
 QT_BEGIN_NAMESPACE
 namespace QTest
@@ -75,8 +78,8 @@ template <> char* toString(const Seen& s)
     QStringList rows;
     for (int r : s.selection)
         rows << QString::number(r);
-    return qstrdup(qPrintable(s.totals + QStringLiteral(" | selection ") + rows.join(u'/') + QLatin1Char('\n') +
-                              QString::fromUtf8(s.bytes)));
+    return qstrdup(qPrintable(s.totals + QStringLiteral(" | selection ") + rows.join(u'/') +
+                              QLatin1Char('\n') + QString::fromUtf8(s.bytes)));
 }
 } // namespace QTest
 QT_END_NAMESPACE
@@ -229,16 +232,33 @@ void TestUndo::addAndDeleteUndoAndRedo_data()
     QTest::addColumn<QString>("prefix");
     QTest::addColumn<QString>("command");
     QTest::addColumn<QString>("text");
-    QTest::newRow("fixture") << "" << "fixture" << "Add Fixture";
-    QTest::newRow("jumper") << "fixture" << "jumper" << "Add Jumper";
-    QTest::newRow("leader") << "" << "leader" << "Add Leader";
-    QTest::newRow("junction box") << "" << "box" << "Add Junction Box";
-    QTest::newRow("receiver") << "feedwise" << "receiver" << "Add Receiver";
-    QTest::newRow("enabler") << "feedwise root" << "enabler" << "Add Enabler";
-    QTest::newRow("delete a subtree") << "fixture jumper fixture jumper fixture parent parent parent" << "delete"
+    QTest::newRow("fixture") << ""
+                             << "fixture"
+                             << "Add Fixture";
+    QTest::newRow("jumper") << "fixture"
+                            << "jumper"
+                            << "Add Jumper";
+    QTest::newRow("leader") << ""
+                            << "leader"
+                            << "Add Leader";
+    QTest::newRow("junction box") << ""
+                                  << "box"
+                                  << "Add Junction Box";
+    QTest::newRow("receiver") << "feedwise"
+                              << "receiver"
+                              << "Add Receiver";
+    QTest::newRow("enabler") << "feedwise root"
+                             << "enabler"
+                             << "Add Enabler";
+    QTest::newRow("delete a subtree") << "fixture jumper fixture jumper fixture parent parent parent"
+                                      << "delete"
                                       << "Delete Jumper";
-    QTest::newRow("delete the last") << "fixture jumper fixture" << "delete" << "Delete Fixture";
-    QTest::newRow("delete the enabler") << "fixture root" << "delete" << "Delete Enabler";
+    QTest::newRow("delete the last") << "fixture jumper fixture"
+                                     << "delete"
+                                     << "Delete Fixture";
+    QTest::newRow("delete the enabler") << "fixture root"
+                                        << "delete"
+                                        << "Delete Enabler";
 }
 
 void TestUndo::addAndDeleteUndoAndRedo()
@@ -246,7 +266,8 @@ void TestUndo::addAndDeleteUndoAndRedo()
     QFETCH(QString, prefix);
     QFETCH(QString, command);
     QFETCH(QString, text);
-    checkUndoRedo(prefix, [&]() { run(command); }, text);
+    checkUndoRedo(
+        prefix, [&]() { run(command); }, text);
 }
 
 void TestUndo::propertyEditsUndoAndRedo_data()
@@ -255,9 +276,12 @@ void TestUndo::propertyEditsUndoAndRedo_data()
     QTest::addColumn<int>("property");
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("text");
-    QTest::newRow("output mode") << "root" << int(PropOutputMode) << "Feedwise" << "Change Output Mode";
-    QTest::newRow("leader type") << "leader" << int(PropType) << "Custom Leader" << "Change Type";
-    QTest::newRow("location") << "box parent" << int(PropLocation) << "Plenum" << "Change Location";
+    QTest::newRow("output mode") << "root" << int(PropOutputMode) << "Feedwise"
+                                 << "Change Output Mode";
+    QTest::newRow("leader type") << "leader" << int(PropType) << "Custom Leader"
+                                 << "Change Type";
+    QTest::newRow("location") << "box parent" << int(PropLocation) << "Plenum"
+                              << "Change Location";
 }
 
 void TestUndo::propertyEditsUndoAndRedo()
@@ -266,7 +290,8 @@ void TestUndo::propertyEditsUndoAndRedo()
     QFETCH(int, property);
     QFETCH(QString, value);
     QFETCH(QString, text);
-    checkUndoRedo(prefix, [&]() { editProperty(property, value); }, text);
+    checkUndoRedo(
+        prefix, [&]() { editProperty(property, value); }, text);
 }
 
 void TestUndo::circuitInputsUndoAndRedo_data()
@@ -274,11 +299,21 @@ void TestUndo::circuitInputsUndoAndRedo_data()
     QTest::addColumn<QString>("combo");
     QTest::addColumn<QString>("choice");
     QTest::addColumn<QString>("text");
-    QTest::newRow("line voltage") << "m_DL_LineVoltage_Combo" << "100" << "Change Line Voltage";
-    QTest::newRow("load") << "m_DL_MaxLoad_Combo" << "20" << "Change Max Circuit Load";
-    QTest::newRow("frequency") << "m_frequencyComboBox" << "50 Hz" << "Change Frequency";
-    QTest::newRow("enabler clears") << "m_DLSupply_Combo" << "RD-5000" << "Change Enabler";
-    QTest::newRow("fixture clears") << "m_DLFixture_Combo" << "Linea Inline Dynaline 1ft" << "Change Fixture";
+    QTest::newRow("line voltage") << "m_DL_LineVoltage_Combo"
+                                  << "100"
+                                  << "Change Line Voltage";
+    QTest::newRow("load") << "m_DL_MaxLoad_Combo"
+                          << "20"
+                          << "Change Max Circuit Load";
+    QTest::newRow("frequency") << "m_frequencyComboBox"
+                               << "50 Hz"
+                               << "Change Frequency";
+    QTest::newRow("enabler clears") << "m_DLSupply_Combo"
+                                    << "RD-5000"
+                                    << "Change Enabler";
+    QTest::newRow("fixture clears") << "m_DLFixture_Combo"
+                                    << "Linea Inline Dynaline 1ft"
+                                    << "Change Fixture";
 }
 
 void TestUndo::circuitInputsUndoAndRedo()
@@ -286,7 +321,8 @@ void TestUndo::circuitInputsUndoAndRedo()
     QFETCH(QString, combo);
     QFETCH(QString, choice);
     QFETCH(QString, text);
-    checkUndoRedo("fixture jumper fixture", [&]() { choose(qPrintable(combo), choice); }, text);
+    checkUndoRedo(
+        "fixture jumper fixture", [&]() { choose(qPrintable(combo), choice); }, text);
 }
 
 void TestUndo::maximizeResetAndNewUndoAndRedo_data()
@@ -294,9 +330,15 @@ void TestUndo::maximizeResetAndNewUndoAndRedo_data()
     QTest::addColumn<QString>("prefix");
     QTest::addColumn<QString>("command");
     QTest::addColumn<QString>("text");
-    QTest::newRow("maximize") << "volts=100 fixture" << "maximize" << "Maximize";
-    QTest::newRow("reset") << "volts=100 fixture jumper fixture" << "reset" << "Reset";
-    QTest::newRow("new") << "volts=100 fixture jumper fixture" << "new" << "New";
+    QTest::newRow("maximize") << "volts=100 fixture"
+                              << "maximize"
+                              << "Maximize";
+    QTest::newRow("reset") << "volts=100 fixture jumper fixture"
+                           << "reset"
+                           << "Reset";
+    QTest::newRow("new") << "volts=100 fixture jumper fixture"
+                         << "new"
+                         << "New";
 }
 
 void TestUndo::maximizeResetAndNewUndoAndRedo()
@@ -304,7 +346,8 @@ void TestUndo::maximizeResetAndNewUndoAndRedo()
     QFETCH(QString, prefix);
     QFETCH(QString, command);
     QFETCH(QString, text);
-    checkUndoRedo(prefix, [&]() { run(command); }, text);
+    checkUndoRedo(
+        prefix, [&]() { run(command); }, text);
 }
 
 void TestUndo::modifiedFlagFollowsTheSavedState()
