@@ -268,8 +268,8 @@ private slots:
         leader.setGauge("14");
         QCOMPARE(maxLength(leader), 100);
 
-        // Jumper: a custom cable's gauge limit, 175 where the limit is 0, the editor's own 999
-        // for a gauge the cable does not list.
+        // Jumper: a custom cable's gauge limit, 175 where the limit is 0, and for a gauge the
+        // cable does not list its widest wire's limit (never the editor's 999 or 0).
         JumperWidget jumper(&m_db, m_bar);
         QCOMPARE(jumper.editorRule(PropType).choices, QStringList({"Jumper 2ft", "Custom Jumper"}));
         jumper.setType("Custom Jumper");
@@ -279,7 +279,7 @@ private slots:
             jumper.setGauge(gauge);
             limits << maxLength(jumper);
         }
-        QCOMPARE(limits, (QList<int>{25, 175, 999}));
+        QCOMPARE(limits, (QList<int>{25, 175, 25}));
         QCOMPARE(jumper.editorRule(PropLength).value, 4);
         jumper.setLength(20.0);
         QCOMPARE(jumper.editorRule(PropGauge).choices, QStringList{"16"});
