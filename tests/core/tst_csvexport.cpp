@@ -190,6 +190,11 @@ void TestCsvExport::sessionSelections()
     QCOMPARE(s.document().count(ItemAny), 1);
     QCOMPARE(s.document().root()->catalogItem()->name, QStringLiteral("Line Voltage"));
     QCOMPARE(s.currentFixture(), h.db.fixtureNamed(QStringLiteral("Gamma")));
+
+    // A custom voltage stays chosen across fixture changes, as in the window.
+    s.header().lineVoltage = QStringLiteral("Other");
+    s.selectFixture(h.db.fixtureNamed(QStringLiteral("Beta, Wide")));
+    QCOMPARE(s.header().lineVoltage, QStringLiteral("Other"));
 }
 
 QTEST_GUILESS_MAIN(TestCsvExport)
