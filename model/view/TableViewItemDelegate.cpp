@@ -139,6 +139,8 @@ void TableViewItemDelegate::setModelData(QWidget* editor, QAbstractItemModel* mo
 {
     QVariant value;
     if (auto* combo = qobject_cast<QComboBox*>(editor)) {
+        if (combo->currentIndex() < 0)
+            return; // nothing chosen: a value the list does not offer stays as it is
         value = combo->currentText();
     } else if (auto* spin = qobject_cast<QSpinBox*>(editor)) {
         spin->interpretText();
