@@ -1105,6 +1105,7 @@ bool Runplan::openProject(const QString& path)
         QApplication::restoreOverrideCursor();
     }
     if (opened) {
+        ui->m_DL_Frame->showTopLeft();
         setCurrentFile(path);
         m_doc->setModified(false);
         runAnalysis();
