@@ -6,7 +6,8 @@
 The product data (names, lengths, powers, limits, inrush and leakage) is kept in the catalog
 itself; this script recomputes, by the rules written in the catalog's header comment:
   - every cable resistance, from its gauge (loop value: both conductors);
-  - every fixture resistance, from its length and the gauge of its fixed leader;
+  - every fixture resistance, from its length and the gauge of its fixed leader, and its output
+    mode (SafetyRequired 0);
   - every fixture power factor, from its power at that voltage;
   - every count table (VoltageMaxFixtureCount and, for the gen4 fixtures, the 15 A and 20 A
     breaker tables).
@@ -90,6 +91,9 @@ def inrush(record, volts):
 
 def fixture(fx, supplies):
     name = fx.findtext("Name")
+    # Output modes 1 to 4 multiply the drop by a wiring factor meant for one conductor's
+    # resistance; with loop resistances the factor must be 1, which is mode 0.
+    fx.find("SafetyRequired").text = "0"
     length = D(fx.findtext("ElectricalLength"))
     fixed_leaders = [l for l in fx.iter("Leader") if l.find("CustomWireList") is None]
     default_leader = fixed_leaders[0]

@@ -521,6 +521,7 @@ private slots:
             QVERIFY2(leader && !leader->hasCustomWires &&
                          f->resistance > f->electricalLength * leader->resistance,
                      qPrintable(f->name));
+            QCOMPARE(f->safetyRequired, 0); // no wiring factor on top of a loop resistance
 
             // Each count is the largest that keeps every limit of the fixture and its enablers; the
             // gen4 breaker tables also keep the circuit's inrush below a B-curve instant trip.
