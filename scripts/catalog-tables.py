@@ -6,7 +6,7 @@
 The product data (names, lengths, powers, limits, inrush and leakage) is kept in the catalog
 itself; this script recomputes, by the rules written in the catalog's header comment:
   - every cable resistance, from its gauge (loop value: both conductors);
-  - every fixture resistance, from its length and the gauge of its fixed leader, and its output
+  - every fixture resistance, from its length and the gauge of its default leader, and its output
     mode (SafetyRequired 0);
   - every fixture power factor, from its power at that voltage;
   - every count table (VoltageMaxFixtureCount and, for the gen4 fixtures, the 15 A and 20 A
@@ -95,8 +95,7 @@ def fixture(fx, supplies):
     # resistance; with loop resistances the factor must be 1, which is mode 0.
     fx.find("SafetyRequired").text = "0"
     length = D(fx.findtext("ElectricalLength"))
-    fixed_leaders = [l for l in fx.iter("Leader") if l.find("CustomWireList") is None]
-    default_leader = fixed_leaders[0]
+    default_leader = fx.find("LeaderList").findall("Leader")[int(fx.findtext("DefaultLeader"))]
     through = loop(default_leader.findtext("StandardGauge"))
     fx.find("Resistance").text = fmt((length * through + CONNECTORS_MOHM).quantize(D("0.1"), ROUND_HALF_UP))
 
