@@ -1008,6 +1008,7 @@ bool Runplan::openProject(const QString& path)
         QApplication::restoreOverrideCursor();
     }
     if (opened) {
+        ui->m_DL_Frame->showTopLeft();
         setCurrentFile(path);
         m_doc->setModified(false);
         runAnalysis();

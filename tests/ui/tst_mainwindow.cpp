@@ -4,6 +4,7 @@
 #include "TestSupport.h"
 #include "app/Prompter.h"
 #include "app/Runplan.h"
+#include "canvas/CFrame.h"
 #include "calc/Session.h"
 #include "model/ProjectFile.h"
 #include "catalog/Database.h"
@@ -18,6 +19,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSettings>
 #include <QSpinBox>
 #include <QTemporaryDir>
@@ -86,6 +88,7 @@ private slots:
     void customVoltageAndLoad();
     void saveAsNamesAndReplaces();
     void newAndOpenAskAboutUnsavedChanges();
+    void openedProjectShowsTopLeft();
     void maximizeAndExportMatchTheEngine();
 
 private:
@@ -395,6 +398,21 @@ void TestMainWindow::newAndOpenAskAboutUnsavedChanges()
     QCOMPARE(messages.messages.size(), 1);
     QCOMPARE(m_window->currentFilePath(), third + ".rpproj");
     QCOMPARE(doc()->count(ItemFixture), 1);
+}
+
+void TestMainWindow::openedProjectShowsTopLeft()
+{
+    // A canvas narrower than the enabler plus the scroll-into-view margin, as before the window
+    // is first shown (a project named on the command line), and scrolled away from the origin.
+    const QString saved = m_dir->filePath("one.rpproj");
+    QVERIFY(m_window->saveProject(saved));
+    CFrame* canvas = m_window->frame();
+    canvas->resize(380, 300);
+    QVERIFY(canvas->horizontalScrollBar()->maximum() > 0);
+    canvas->horizontalScrollBar()->setValue(200);
+    QVERIFY(m_window->openProject(saved));
+    QCOMPARE(canvas->horizontalScrollBar()->value(), 0);
+    QCOMPARE(canvas->verticalScrollBar()->value(), 0);
 }
 
 void TestMainWindow::maximizeAndExportMatchTheEngine()
