@@ -61,8 +61,8 @@ struct Node {
     double resistance = 0.0;
     double power = 0.0;
     double powerFactor = 1.0;
-    QString mode;                  // the effective output mode, by the component's own rule
-    QString location;              // the location text, likewise
+    const QString* mode = nullptr;     // the effective output mode, by the component's own rule
+    const QString* location = nullptr; // the location text, likewise (both held by the tree)
     bool modeFeedwise = false;     // the effective output mode is "Feedwise"
     bool locationFeedwise = false; // the location text is "Feedwise"
 };
@@ -129,6 +129,10 @@ private:
     int m_lastType = -1;
     int m_firstFixture = -1; // first fixture with a record, depth first
     const DLPowerSupply* m_enablerRecord = nullptr;
+    // What the root's mode rule is given: no parent, no mode, no location.
+    const QString m_undefined = Modes::undefined();
+    const QString m_noLocation;
+    const QString m_feedwise = Modes::feedwise();
     int m_selectedFamily = 0;
     QString m_messages;
 };
@@ -183,10 +187,10 @@ void Analyzer::collect(const CWidget* root)
             n.number = ++kindCounters[n.kind];
         const Node* p = parent >= 0 ? &m_nodes[static_cast<size_t>(parent)] : nullptr;
         // The components' own mode and location rules, one step down from the parent's.
-        n.mode = w->modeUnder(p ? p->widget : nullptr, p ? p->mode : Modes::undefined());
-        n.location = w->locationUnder(n.mode, p ? p->location : QString());
-        n.modeFeedwise = n.mode == kFeedwise;
-        n.locationFeedwise = n.location == kFeedwise;
+        n.mode = &w->modeUnder(p ? p->widget : nullptr, p ? *p->mode : m_undefined);
+        n.location = &w->locationUnder(*n.mode, p ? *p->location : m_noLocation);
+        n.modeFeedwise = *n.mode == m_feedwise;
+        n.locationFeedwise = *n.location == m_feedwise;
 
         switch (n.kind) {
         case ItemSupply: {

@@ -20,6 +20,15 @@ namespace
 {
 bool g_loading = false;
 
+// The mode names the mode rule answers with, held once so answers can refer to them.
+enum class Mode { Undefined, Dynaline };
+const QString& constant(Mode m)
+{
+    static const QString undefined = Modes::undefined();
+    static const QString dynaline = Modes::dynaline();
+    return m == Mode::Undefined ? undefined : dynaline;
+}
+
 int roundToInt(double v)
 {
     if (!std::isfinite(v))
@@ -331,12 +340,12 @@ QString CWidget::effectiveMode() const
     return modeUnder(p, p ? p->effectiveMode() : Modes::undefined());
 }
 
-QString CWidget::modeUnder(const CWidget* parent, const QString& parentMode) const
+const QString& CWidget::modeUnder(const CWidget* parent, const QString& parentMode) const
 {
-    return parent ? parentMode : Modes::undefined();
+    return parent ? parentMode : constant(Mode::Undefined);
 }
 
-QString CWidget::locationUnder(const QString& ownMode, const QString& parentLocation) const
+const QString& CWidget::locationUnder(const QString& ownMode, const QString& parentLocation) const
 {
     Q_UNUSED(ownMode)
     return parentLocation;
@@ -418,14 +427,14 @@ QVariant SupplyWidget::cellData(int column, int role) const
     return text;
 }
 
-QString SupplyWidget::modeUnder(const CWidget* parent, const QString& parentMode) const
+const QString& SupplyWidget::modeUnder(const CWidget* parent, const QString& parentMode) const
 {
     Q_UNUSED(parent)
     Q_UNUSED(parentMode)
     return m_outputMode;
 }
 
-QString SupplyWidget::locationUnder(const QString& ownMode, const QString& parentLocation) const
+const QString& SupplyWidget::locationUnder(const QString& ownMode, const QString& parentLocation) const
 {
     Q_UNUSED(ownMode)
     Q_UNUSED(parentLocation)
@@ -639,10 +648,10 @@ QList<int> LeaderWidget::propertyIds() const
     return {PropName, PropType, PropLength};
 }
 
-QString LeaderWidget::modeUnder(const CWidget* parent, const QString& parentMode) const
+const QString& LeaderWidget::modeUnder(const CWidget* parent, const QString& parentMode) const
 {
     if (parent && parent->itemType() == ItemReceiver)
-        return Modes::dynaline();
+        return constant(Mode::Dynaline);
     return CWidget::modeUnder(parent, parentMode);
 }
 
@@ -690,10 +699,10 @@ QVariant FixtureWidget::cellData(int column, int role) const
     return base;
 }
 
-QString FixtureWidget::modeUnder(const CWidget* parent, const QString& parentMode) const
+const QString& FixtureWidget::modeUnder(const CWidget* parent, const QString& parentMode) const
 {
     if (parent && parent->itemType() == ItemReceiver)
-        return Modes::dynaline();
+        return constant(Mode::Dynaline);
     return CWidget::modeUnder(parent, parentMode);
 }
 
@@ -863,16 +872,16 @@ QString BranchWireWidget::effectiveMode() const
     return m_inputMode;
 }
 
-QString BranchWireWidget::modeUnder(const CWidget* parent, const QString& parentMode) const
+const QString& BranchWireWidget::modeUnder(const CWidget* parent, const QString& parentMode) const
 {
-    if (m_inputMode != Modes::undefined())
+    if (m_inputMode != constant(Mode::Undefined))
         return m_inputMode;
     if (!parent)
-        return Modes::undefined();
-    return parent->itemType() == ItemReceiver ? Modes::dynaline() : parentMode;
+        return constant(Mode::Undefined);
+    return parent->itemType() == ItemReceiver ? constant(Mode::Dynaline) : parentMode;
 }
 
-QString BranchWireWidget::locationUnder(const QString& ownMode, const QString& parentLocation) const
+const QString& BranchWireWidget::locationUnder(const QString& ownMode, const QString& parentLocation) const
 {
     Q_UNUSED(parentLocation)
     return ownMode;

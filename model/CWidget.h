@@ -159,11 +159,12 @@ public:
     virtual QString effectiveMode() const;
     // The mode rule of this kind, one step down the tree: the effective mode when the parent
     // component is parent (null: none) and its mode is parentMode. effectiveMode() walks up
-    // through it; the analysis walks down through it.
-    virtual QString modeUnder(const CWidget* parent, const QString& parentMode) const;
+    // through it; the analysis walks down through it. The result refers to parentMode, to this
+    // component or to a constant, so a walk down the tree copies no text.
+    virtual const QString& modeUnder(const CWidget* parent, const QString& parentMode) const;
     // Likewise the location rule: the location text given this component's own mode and the
     // parent's location text (empty without a parent).
-    virtual QString locationUnder(const QString& ownMode, const QString& parentLocation) const;
+    virtual const QString& locationUnder(const QString& ownMode, const QString& parentLocation) const;
     // The mode-side location ("Feedwise", "Dynaline", "Line Voltage", ...) that rules, colours and
     // checks compare with: a supply's explicit location or output mode, a branch wire's mode, and
     // the parent's for everything else.
@@ -221,8 +222,8 @@ public:
     QVariant cellData(int column, int role) const override;
     QRect itemRect() const override { return QRect(0, 0, 220, 20); }
     QString effectiveMode() const override { return m_outputMode; }
-    QString modeUnder(const CWidget* parent, const QString& parentMode) const override;
-    QString locationUnder(const QString& ownMode, const QString& parentLocation) const override;
+    const QString& modeUnder(const CWidget* parent, const QString& parentMode) const override;
+    const QString& locationUnder(const QString& ownMode, const QString& parentLocation) const override;
     QString locationText() const override;
 
 private:
@@ -285,7 +286,7 @@ public:
     QString displayName() const override { return QStringLiteral("Leader"); }
     QList<int> propertyIds() const override;
     int propertyCount() const override { return propertyIds().size(); }
-    QString modeUnder(const CWidget* parent, const QString& parentMode) const override;
+    const QString& modeUnder(const CWidget* parent, const QString& parentMode) const override;
 };
 
 class JumperWidget : public CableWidget
@@ -312,7 +313,7 @@ public:
     QList<int> propertyIds() const override;
     int maxChildren() const override { return m_capacity; }
     QVariant cellData(int column, int role) const override;
-    QString modeUnder(const CWidget* parent, const QString& parentMode) const override;
+    const QString& modeUnder(const CWidget* parent, const QString& parentMode) const override;
 
 private:
     int m_capacity = 1;
@@ -380,8 +381,8 @@ public:
     EditorRule editorRule(int id) const override;
     bool applyEditorValue(int id, const QVariant& value) override;
     QString effectiveMode() const override;
-    QString modeUnder(const CWidget* parent, const QString& parentMode) const override;
-    QString locationUnder(const QString& ownMode, const QString& parentLocation) const override;
+    const QString& modeUnder(const CWidget* parent, const QString& parentMode) const override;
+    const QString& locationUnder(const QString& ownMode, const QString& parentLocation) const override;
     QString locationText() const override { return effectiveMode(); }
 
 signals:
