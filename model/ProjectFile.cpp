@@ -219,6 +219,10 @@ QString parseProblem(const QXmlStreamReader& xml)
     QString text = xml.errorString();
     while (text.endsWith(u'.'))
         text.chop(1);
+    // The complaint may quote the offending character, a NUL or another control among them.
+    for (QChar& c : text)
+        if (!c.isPrint())
+            c = QChar::ReplacementCharacter;
     return tr("line %1, column %2: %3")
         .arg(QString::number(xml.lineNumber()), QString::number(xml.columnNumber()), text);
 }
