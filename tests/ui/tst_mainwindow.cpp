@@ -566,7 +566,7 @@ void TestMainWindow::failedExportKeepsTheOldFile()
     old.close();
     struct rlimit saved {};
     QCOMPARE(getrlimit(RLIMIT_FSIZE, &saved), 0);
-    const struct rlimit small{64, saved.rlim_max};
+    const struct rlimit small{16, saved.rlim_max};
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     m_prompter->saveAnswers << csv;
     QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
