@@ -302,12 +302,12 @@ private slots:
 
     void readingRules()
     {
-        // A fixed jumper is written without a length and comes back with its cable's, as placed.
+        // A fixed jumper is written without a length and comes back with the constructor's.
         ConfigDocument doc(&m_db);
         buildSmall(doc);
         HeaderValues h;
         QVERIFY(ProjectFile::read(ProjectFile::toBytes(doc, sampleHeader()), doc, h, nullptr));
-        QCOMPARE(qobject_cast<CableWidget*>(doc.root()->child(0)->child(0)->child(0))->length(), 2.0);
+        QCOMPARE(qobject_cast<CableWidget*>(doc.root()->child(0)->child(0)->child(0))->length(), 1.0);
 
         // A supply read from a file never offers "Feedwise", and takes no mode the file leaves out.
         QVERIFY(ProjectFile::read(
