@@ -17,6 +17,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFileInfo>
+#include <QStatusBar>
 
 namespace
 {
@@ -40,13 +41,12 @@ QString DocumentLifecycle::displayName() const
 void DocumentLifecycle::setWindowTitleFor(const QString& path)
 {
     const QString name = path.isEmpty() ? tr("Untitled.rpproj") : QFileInfo(path).fileName();
-    m_window->setWindowTitle(tr("%1[*] - %2 Release %3.%4.%5 [Build %6-%7]")
-                                 .arg(name, RunplanVersion::applicationName())
-                                 .arg(RunplanVersion::Major)
-                                 .arg(RunplanVersion::Minor)
-                                 .arg(RunplanVersion::Revision)
-                                 .arg(RunplanVersion::BuildDate)
-                                 .arg(RunplanVersion::buildTag()));
+    // One pass, so that a "%1" in the file name stays as typed.
+    m_window->setWindowTitle(
+        tr("%1[*] - %2 Release %3.%4.%5 [Build %6-%7]")
+            .arg(name, RunplanVersion::applicationName(), QString::number(RunplanVersion::Major),
+                 QString::number(RunplanVersion::Minor), QString::number(RunplanVersion::Revision),
+                 QString::number(RunplanVersion::BuildDate), RunplanVersion::buildTag()));
 }
 
 void DocumentLifecycle::setCurrentFile(const QString& path)
@@ -82,16 +82,28 @@ void DocumentLifecycle::newConfiguration()
     m_window->m_autosave->discard();
     // One step: Undo brings the previous configuration back as unsaved changes.
     EditHistory::Step step(m_window->m_history, CommandText::newConfiguration());
+    Ui::RunplanClass* ui = m_window->ui;
     {
         InteractiveChangeOff off(m_window);
-        if (m_window->ui->m_DLSupply_Combo->count() > 0)
-            m_window->ui->m_DLSupply_Combo->setCurrentIndex(0);
+        if (ui->m_DLSupply_Combo->count() > 0)
+            ui->m_DLSupply_Combo->setCurrentIndex(0);
+        // A project read in part may have left selectors without an entry; New leaves none so.
+        if (ui->m_DLFixture_Combo->currentIndex() < 0 && ui->m_DLFixture_Combo->count() > 0)
+            ui->m_DLFixture_Combo->setCurrentIndex(0);
+        if (ui->m_DLController_Combo->currentIndex() < 0 && ui->m_DLController_Combo->count() > 0)
+            ui->m_DLController_Combo->setCurrentIndex(0);
     }
     m_window->chooseDefaultLineVoltage();
-    m_window->ui->m_DL_MaxLoad_Combo->setCurrentIndex(0);
+    if (ui->m_DL_LineVoltage_Combo->currentIndex() < 0 && ui->m_DL_LineVoltage_Combo->count() > 0)
+        ui->m_DL_LineVoltage_Combo->setCurrentIndex(0);
+    ui->m_DL_MaxLoad_Combo->setCurrentIndex(0);
+    ui->m_frequencyComboBox->setCurrentIndex(ui->m_frequencyComboBox->findText(
+        QStringLiteral("60 Hz"), Qt::MatchFixedString | Qt::MatchCaseSensitive));
     m_window->resetCanvas();
     m_window->m_doc->setModified(false);
     setCurrentFile(QString());
+    m_notReadWholePath.clear();
+    m_notReadWholeReason.clear();
     m_window->m_doc->setModified(false);
 }
 
@@ -110,15 +122,22 @@ void DocumentLifecycle::chooseAndOpen()
 bool DocumentLifecycle::open(const QString& path)
 {
     bool opened = false;
+    QString notReadWhole;
     {
         EditHistory::Pause pause(m_window->m_history);
         AnalysisHold hold(m_window->m_analysisSuspended);
         InteractiveChangeOff off(m_window);
         QApplication::setOverrideCursor(Qt::WaitCursor);
-        opened = ProjectFile::open(path, *m_window->m_doc, *m_window, m_window->m_reporter.get());
+        opened =
+            ProjectFile::open(path, *m_window->m_doc, *m_window, m_window->m_reporter.get(), &notReadWhole);
         QApplication::restoreOverrideCursor();
     }
     if (opened) {
+        m_window->ui->m_DL_Frame->showTopLeft();
+        // A failure reported for an earlier file no longer describes what is shown.
+        m_window->statusBar()->clearMessage();
+        m_notReadWholePath = notReadWhole.isEmpty() ? QString() : QFileInfo(path).absoluteFilePath();
+        m_notReadWholeReason = notReadWhole;
         setCurrentFile(path);
         m_window->m_doc->setModified(false);
         m_window->m_history->restart();
@@ -130,11 +149,21 @@ bool DocumentLifecycle::open(const QString& path)
 
 bool DocumentLifecycle::save(const QString& path)
 {
+    // A file read only in part is replaced only when the user says so.
+    const QString target = QFileInfo(ProjectFile::withExtension(path)).absoluteFilePath();
+    const bool overPartlyRead = !m_notReadWholePath.isEmpty() && target == m_notReadWholePath;
+    if (overPartlyRead &&
+        !m_window->m_prompter->askReplaceNotReadWhole(m_window, QFileInfo(target).fileName()))
+        return false;
     QString saved;
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const bool ok = ProjectFile::save(path, *m_window->m_doc, *m_window, m_window->m_reporter.get(), &saved);
     QApplication::restoreOverrideCursor();
     if (ok) {
+        if (overPartlyRead) {
+            m_notReadWholePath.clear();
+            m_notReadWholeReason.clear();
+        }
         setCurrentFile(saved);
         m_window->m_history->markSaved();
         m_window->m_autosave->discard();

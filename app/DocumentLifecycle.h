@@ -14,6 +14,8 @@ public:
     explicit DocumentLifecycle(Runplan* window) : m_window(window) {}
 
     QString currentFile() const { return m_currentFile; }
+    // Where and why the project last opened broke off; empty when it was read whole.
+    QString notReadWholeReason() const { return m_notReadWholeReason; }
     // The file name shown in questions ("Untitled.rpproj" when untitled).
     QString displayName() const;
     void setCurrentFile(const QString& path);
@@ -24,6 +26,7 @@ public:
     void newConfiguration();
     void chooseAndOpen();
     bool open(const QString& path);
+    // Asks first when the path is that of a project read only in part; false when not saved.
     bool save(const QString& path);
     void saveCurrent();
     void saveAs();
@@ -33,4 +36,7 @@ public:
 private:
     Runplan* m_window;
     QString m_currentFile;
+    // The project opened last when it broke off before its end (absolute path), and why.
+    QString m_notReadWholePath;
+    QString m_notReadWholeReason;
 };

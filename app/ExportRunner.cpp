@@ -2,12 +2,13 @@
 
 #include "calc/CsvExport.h"
 #include "catalog/Reporter.h"
+#include "model/SafeFile.h"
 #include "update/LoadingDialog.h"
 
 #include <QApplication>
 #include <QDir>
-#include <QFile>
 #include <QPushButton>
+#include <QSaveFile>
 
 void runWithProgress(QWidget* parent, const std::function<void()>& work)
 {
@@ -24,8 +25,10 @@ ExportRunner::ExportRunner(QWidget* window) : QObject(window), m_window(window) 
 bool ExportRunner::run(Kind kind, const QString& fileName, ExportHost& host, bool unattended,
                        Reporter* reporter)
 {
-    QFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
+    // Written through a temporary file: a failed export leaves an earlier file as it was, and a
+    // cancelled one replaces it with the rows written so far.
+    QSaveFile file(fileName);
+    if (!SafeFile::open(file)) {
         if (unattended)
             reporter->message(
                 Reporter::Kind::Critical, QStringLiteral("Runplan"),
@@ -45,8 +48,7 @@ bool ExportRunner::run(Kind kind, const QString& fileName, ExportHost& host, boo
         CsvExport::exportAllFixtures(file, host);
     else
         CsvExport::exportCurrentFixture(file, host);
-    file.close();
-    const bool written = file.error() == QFileDevice::NoError;
+    const bool written = SafeFile::commit(file);
     m_running = false;
     if (m_dialog) {
         m_dialog->hide();

@@ -1,11 +1,12 @@
 #include "app/RecoveryStore.h"
 
-#include "model/ProjectFile.h"
+#include "model/SafeFile.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QLockFile>
+#include <QSaveFile>
 #include <QStandardPaths>
 
 #include <atomic>
@@ -33,6 +34,19 @@ QByteArray readLimited(const QString& path)
     if (!file.open(QIODevice::ReadOnly) || file.size() > MaxRecoveryBytes)
         return QByteArray();
     return file.readAll();
+}
+
+// The same atomic write as a saved project: complete or not at all.
+bool writeAtomically(const QString& path, const QByteArray& bytes)
+{
+    QSaveFile file(path);
+    if (!SafeFile::open(file))
+        return false;
+    if (file.write(bytes) != bytes.size() || !SafeFile::commit(file)) {
+        file.cancelWriting();
+        return false;
+    }
+    return true;
 }
 
 void removeFiles(const QString& base)
@@ -67,10 +81,7 @@ bool RecoveryStore::write(const QByteArray& project, const QString& originalPath
             return false;
         m_lock = std::move(lock);
     }
-    using ProjectFile::WriteResult;
-    return ProjectFile::writeAtomically(m_base + kOriginSuffix, originalPath.toUtf8()) ==
-               WriteResult::Written &&
-           ProjectFile::writeAtomically(filePath(), project) == WriteResult::Written;
+    return writeAtomically(m_base + kOriginSuffix, originalPath.toUtf8()) && writeAtomically(filePath(), project);
 }
 
 void RecoveryStore::discard()

@@ -96,7 +96,10 @@ public:
     // Asks to save unsaved changes; true when the user cancelled.
     bool offerToSaveIfNeeded();
     bool openProject(const QString& path);
+    // Asks first when the path is that of a project read only in part; false when not saved.
     bool saveProject(const QString& path);
+    // Where and why the project last opened broke off; empty when it was read whole.
+    QString notReadWholeReason() const;
 
     // Selectors
     DLPowerSupply* currentSupplyRecord() const;

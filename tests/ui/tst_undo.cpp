@@ -52,6 +52,7 @@ public:
     }
     bool askReplace(QWidget*, const QString&) override { return ++questions > 0; }
     bool confirmDelete(QWidget*) override { return ++questions > 0; }
+    bool askReplaceNotReadWhole(QWidget*, const QString&) override { return ++questions > 0; }
     int execDialog(QDialog*) override { return QDialog::Rejected; }
     bool askRecover(QWidget*, const QString& name) override
     {
