@@ -65,10 +65,6 @@ QFont boldFont()
     return bold;
 }
 
-int findExact(const QComboBox* combo, const QString& text)
-{
-    return combo->findText(text, Qt::MatchFixedString | Qt::MatchCaseSensitive);
-}
 } // namespace
 
 Runplan* Runplan::instance()
@@ -473,7 +469,7 @@ void Runplan::selectSupplyRecord(const DLPowerSupply* record)
 void Runplan::chooseDefaultLineVoltage()
 {
     // "120" where the list offers it; otherwise what the list rebuild chose stays.
-    const int index = findExact(ui->m_DL_LineVoltage_Combo, QStringLiteral("120"));
+    const int index = findExactText(ui->m_DL_LineVoltage_Combo, QStringLiteral("120"));
     if (index >= 0)
         ui->m_DL_LineVoltage_Combo->setCurrentIndex(index);
 }
@@ -781,130 +777,6 @@ void Runplan::restoreState(const DocumentSnapshot& state)
 }
 
 // =============================================================================================
-// Exports
-
-const Database& Runplan::database() const
-{
-    return *m_db;
-}
-
-void Runplan::selectEnabler(const DLPowerSupply* enabler)
-{
-    selectSupplyRecord(enabler);
-}
-
-void Runplan::selectFixture(const VxFixture* fixture)
-{
-    const DLPowerSupply* supply = currentSupplyRecord();
-    if (!supply || !fixture)
-        return;
-    selectFixtureIndex(supply->fixtures.indexOf(const_cast<VxFixture*>(fixture)));
-}
-
-void Runplan::selectLineVoltage(int volts)
-{
-    const int index = findExact(ui->m_DL_LineVoltage_Combo, QString::number(volts));
-    if (index >= 0)
-        ui->m_DL_LineVoltage_Combo->setCurrentIndex(index);
-}
-
-void Runplan::resetWithFixture()
-{
-    InteractiveChangeOff off(this);
-    resetCanvas();
-    on_m_DL_AddFixture_Button_clicked();
-}
-
-void Runplan::maximize()
-{
-    // Maximize reads the pass flag of the configuration as it stands now.
-    runAnalysis();
-    DL_Maximize();
-}
-
-int Runplan::fixtureCount() const
-{
-    return m_doc->count(ItemFixture);
-}
-
-double Runplan::totalLength() const
-{
-    return m_lastResult.totalLength;
-}
-
-const VxFixture* Runplan::currentFixture() const
-{
-    return currentFixtureRecord();
-}
-
-bool Runplan::isExportRunning() const
-{
-    return m_exportRunner->isRunning();
-}
-
-bool Runplan::progress(int percent)
-{
-    return m_exportRunner->progress(percent);
-}
-
-void Runplan::on_actionMaximizeAll_triggered()
-{
-    runExport(true);
-}
-
-void Runplan::on_actionMaximizeFixture_triggered()
-{
-    runExport(false);
-}
-
-void Runplan::runExport(bool all)
-{
-    // An export drives the configuration but is no edit: the history goes on from what it leaves.
-    std::optional<EditHistory::Pause> pause(m_history);
-    struct Rebase {
-        EditHistory* history;
-        std::optional<EditHistory::Pause>& pause;
-        ~Rebase()
-        {
-            pause.reset();
-            history->rebase();
-        }
-    } rebase{m_history, pause};
-    const QString fileName = exportFileName();
-    if (fileName.isEmpty())
-        return;
-    const auto kind = all ? ExportRunner::Kind::AllFixtures : ExportRunner::Kind::CurrentFixture;
-    const bool written = m_exportRunner->run(kind, fileName, *this, m_runningBatchCommands, m_reporter.get());
-    if (m_runningBatchCommands)
-        finishBatch(written ? 0 : 1);
-}
-
-QString Runplan::exportFileName()
-{
-    if (!m_runningBatchCommands) {
-        const QString chosen =
-            m_prompter->getSaveFileName(this, tr("Select file"), RunplanSettings::maximizeFixtureFile(),
-                                        tr("CSV File (*.csv);; All Files (*.*)"));
-        RunplanSettings::setMaximizeFixtureFile(chosen);
-        return chosen;
-    }
-    if (!m_db->isValid()) {
-        m_reporter->message(Reporter::Kind::Critical, QStringLiteral("Runplan"),
-                            tr("the catalog %1 is not valid; nothing was exported.")
-                                .arg(QDir::toNativeSeparators(m_db->path())));
-        finishBatch(1);
-        return QString();
-    }
-    const QString given = m_batch->exportFile();
-    return given.isEmpty() ? RunplanSettings::defaultMaximizeFixtureFile() : given;
-}
-
-void Runplan::finishBatch(int exitCode)
-{
-    m_batch->finish(exitCode);
-}
-
-// =============================================================================================
 // Command line
 
 bool Runplan::processCommandLine(const QStringList& arguments)
@@ -1006,89 +878,6 @@ void Runplan::on_actionPreferences_triggered()
 {
     SettingsDlg dialog;
     m_prompter->execDialog(&dialog);
-}
-
-// =============================================================================================
-// HeaderChoices
-
-QString Runplan::supplyText() const
-{
-    return ui->m_DLSupply_Combo->currentText();
-}
-
-QString Runplan::fixtureText() const
-{
-    return ui->m_DLFixture_Combo->currentText();
-}
-
-QString Runplan::lineVoltageText() const
-{
-    return ui->m_DL_LineVoltage_Combo->currentText();
-}
-
-int Runplan::customLineVoltage() const
-{
-    return ui->m_DL_LineVoltage_Spin->value();
-}
-
-QString Runplan::maxCircuitLoadText() const
-{
-    return ui->m_DL_MaxLoad_Combo->currentText();
-}
-
-int Runplan::customMaxCircuitLoad() const
-{
-    return ui->m_DL_MaxLoad_Spin->value();
-}
-
-QString Runplan::frequencyText() const
-{
-    return ui->m_frequencyComboBox->currentText();
-}
-
-QString Runplan::controllerText() const
-{
-    return ui->m_DLController_Combo->currentText();
-}
-
-void Runplan::selectSupply(const QString& text)
-{
-    ui->m_DLSupply_Combo->setCurrentIndex(findExact(ui->m_DLSupply_Combo, text));
-}
-
-void Runplan::selectFixture(const QString& text)
-{
-    ui->m_DLFixture_Combo->setCurrentIndex(findExact(ui->m_DLFixture_Combo, text));
-}
-
-void Runplan::selectLineVoltage(const QString& text)
-{
-    ui->m_DL_LineVoltage_Combo->setCurrentIndex(findExact(ui->m_DL_LineVoltage_Combo, text));
-}
-
-void Runplan::setCustomLineVoltage(int volts)
-{
-    ui->m_DL_LineVoltage_Spin->setValue(volts);
-}
-
-void Runplan::selectMaxCircuitLoad(const QString& text)
-{
-    ui->m_DL_MaxLoad_Combo->setCurrentIndex(findExact(ui->m_DL_MaxLoad_Combo, text));
-}
-
-void Runplan::setCustomMaxCircuitLoad(int amps)
-{
-    ui->m_DL_MaxLoad_Spin->setValue(amps);
-}
-
-void Runplan::selectFrequency(const QString& text)
-{
-    ui->m_frequencyComboBox->setCurrentIndex(findExact(ui->m_frequencyComboBox, text));
-}
-
-void Runplan::selectController(const QString& text)
-{
-    ui->m_DLController_Combo->setCurrentIndex(findExact(ui->m_DLController_Combo, text));
 }
 
 // =============================================================================================

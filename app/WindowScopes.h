@@ -2,6 +2,8 @@
 
 #include "app/Runplan.h"
 
+#include <QComboBox>
+
 // Switches the main window's clear question off for a scope and restores the previous setting after.
 class InteractiveChangeOff
 {
@@ -31,3 +33,9 @@ public:
 private:
     int& m_counter;
 };
+
+// The entry whose text is exactly text (case included), or -1.
+inline int findExactText(const QComboBox* combo, const QString& text)
+{
+    return combo->findText(text, Qt::MatchFixedString | Qt::MatchCaseSensitive);
+}
