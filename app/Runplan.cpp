@@ -3,6 +3,7 @@
 #include "app/AboutDialog.h"
 #include "app/CommandLine.h"
 #include "app/Prompter.h"
+#include "app/UnlaidTextLayout.h"
 #include "calc/Maximize.h"
 #include "canvas/CFrame.h"
 #include "catalog/Database.h"
@@ -30,6 +31,7 @@
 #include <QScrollBar>
 #include <QSettings>
 #include <QStatusBar>
+#include <QTextDocument>
 #include <QTimer>
 
 #include <cstdio>
@@ -729,6 +731,12 @@ void Runplan::runAnalysis()
 {
     AnalysisResult result = analyze(m_doc->root(), circuitInputs(), *m_db);
     applyResult(*m_doc, result);
+    if (m_displayHeld) {
+        // Unattended: the log still gets its lines; the totals and the canvas are never seen.
+        logResult(result);
+        m_lastResult = std::move(result);
+        return;
+    }
 
     ui->m_DL_DerateLoad_Label->setText(result.derateLabel);
     ui->m_DL_TotalFixtures_Label->setText(result.fixtureLabel);
@@ -747,16 +755,25 @@ void Runplan::runAnalysis()
                       result.feedwiseLoad < 1.0 ? passingFieldColor() : failingFieldColor());
     }
 
-    for (const auto& line : result.logLines())
-        statusMessage(line.first, line.second ? failingLogColor() : passingLogColor());
-
+    logResult(result);
     m_lastResult = std::move(result);
     ui->m_DL_Frame->updateFrame();
     ui->tableView->handleModelReset();
 }
 
+void Runplan::logResult(const AnalysisResult& result)
+{
+    for (const auto& line : result.logLines())
+        statusMessage(line.first, line.second ? failingLogColor() : passingLogColor());
+}
+
 void Runplan::setFieldColor(QLineEdit* edit, const QColor& color)
 {
+    // Every analysis sets the colours again, mostly to what they are: a new palette is dear.
+    if (edit->palette().color(QPalette::Active, QPalette::Base) == color &&
+        edit->palette().color(QPalette::Inactive, QPalette::Base) == color &&
+        edit->palette().color(QPalette::Disabled, QPalette::Base) == color)
+        return;
     QPalette palette = edit->palette();
     palette.setColor(QPalette::All, QPalette::Base, color);
     edit->setPalette(palette);
@@ -958,15 +975,12 @@ void Runplan::finishBatch(int exitCode)
 // =============================================================================================
 // Command line
 
-bool Runplan::processCommandLine(const QStringList& arguments)
-{
-    return processCommandLine(parseCommandLine(arguments.mid(1)));
-}
-
 bool Runplan::processCommandLine(const CommandLineOptions& options)
 {
-    if (options.unattended)
+    if (options.unattended) {
         m_runningBatchCommands = true;
+        holdDisplay();
+    }
     if (options.maximizeAll) {
         m_maximizeAllRequested = true;
         m_maximizeAllFileName = options.maximizeAllFile;
@@ -1003,6 +1017,23 @@ bool Runplan::processCommandLine(const CommandLineOptions& options)
         opened = openProject(options.projectFile);
     QTimer::singleShot(0, this, &Runplan::runCommands);
     return opened;
+}
+
+void Runplan::holdDisplay()
+{
+    // The canvas and the property table are left without the configuration, the totals are no
+    // longer refreshed (runAnalysis), and the output log keeps its text, colours included,
+    // without laying out a line of it or keeping its edits for undo. What the canvas passed on
+    // from the document now comes straight from it.
+    m_displayHeld = true;
+    ui->tableView->setModel(nullptr);
+    ui->m_DL_Frame->setDocument(nullptr);
+    connect(m_doc, &ConfigDocument::changed, this, &Runplan::DL_Update);
+    connect(m_doc, &ConfigDocument::currentChanged, this, &Runplan::handleSelectionChanged);
+    connect(this, &Runplan::paramChanged, m_doc, [this]() { m_doc->setModified(true); });
+    QTextDocument* log = ui->m_messageBox->document();
+    log->setUndoRedoEnabled(false);
+    log->setDocumentLayout(new UnlaidTextLayout(log));
 }
 
 void Runplan::runCommands()

@@ -72,7 +72,6 @@ public:
 
     // The command-line step: applies the options in order through the selectors, opens the
     // project file given last and queues runCommands(). False when that project could not be read.
-    bool processCommandLine(const QStringList& arguments);
     bool processCommandLine(const CommandLineOptions& options);
 
     // Document commands
@@ -190,6 +189,7 @@ private:
     class WindowReporter;
     // Runs the analysis now, whatever suspends the automatic one.
     void runAnalysis();
+    void logResult(const AnalysisResult& result);
     void rebuildVoltageList(const DLFixture* fixture);
     void updateAddButtons(const QModelIndex& index);
     void setFieldColor(QLineEdit* edit, const QColor& color);
@@ -198,6 +198,8 @@ private:
     // The two CSV exports; all: every fixture of the two listed enablers, else the chosen one.
     void runExport(bool all);
     void finishBatch(int exitCode);
+    // Unattended: the window is never shown, so its display is no longer kept up.
+    void holdDisplay();
     void setWindowTitleFor(const QString& path);
 
     Ui::RunplanClass* ui;
@@ -212,6 +214,7 @@ private:
     QString m_currentFile;
     bool m_interactiveChange = true;
     bool m_runningBatchCommands = false;
+    bool m_displayHeld = false;
     bool m_exportRunning = false;
     bool m_maximizeAllRequested = false;
     bool m_maximizeFixtureRequested = false;
