@@ -239,9 +239,7 @@ Runplan::Runplan(QWidget* parent)
     QSettings settings;
     if (settings.contains(RunplanSettings::windowGeometryKey()))
         restoreGeometry(settings.value(RunplanSettings::windowGeometryKey()).toByteArray());
-    ui->actionLineColorKey->setChecked(settings.contains(RunplanSettings::lineKeyActiveKey())
-                                           ? settings.value(RunplanSettings::lineKeyActiveKey()).toBool()
-                                           : true);
+    ui->actionLineColorKey->setChecked(RunplanSettings::lineKeyActive());
     canvas->handleLineKeyToggled(ui->actionLineColorKey->isChecked());
 }
 
@@ -1300,7 +1298,7 @@ void Runplan::closeEvent(QCloseEvent* event)
     QSettings settings;
     settings.setValue(RunplanSettings::windowGeometryKey(), saveGeometry());
     settings.setValue(RunplanSettings::lineKeyActiveKey(), ui->actionLineColorKey->isChecked());
-    settings.sync();
+    RunplanSettings::finishWrite(settings);
     event->accept();
 }
 
