@@ -251,6 +251,8 @@ Runplan::Runplan(QWidget* parent)
 
 Runplan::~Runplan()
 {
+    if (!m_heldLogEdit.isNull())
+        m_heldLogEdit.endEditBlock();
     // The canvas and the table refer to the document: let them go first.
     ui->m_DL_Frame->setDocument(nullptr);
     ui->tableView->setModel(nullptr);
@@ -1050,6 +1052,10 @@ void Runplan::holdDisplay()
     QTextDocument* log = ui->m_messageBox->document();
     log->setUndoRedoEnabled(false);
     log->setDocumentLayout(new UnlaidTextLayout(log));
+    // One edit block for the whole run: every line goes in as it comes, but the log's views and
+    // signals hear of them once, at the end.
+    m_heldLogEdit = QTextCursor(log);
+    m_heldLogEdit.beginEditBlock();
 }
 
 void Runplan::runCommands()

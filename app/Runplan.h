@@ -9,6 +9,7 @@
 #include <QMainWindow>
 #include <QModelIndex>
 #include <QPointer>
+#include <QTextCursor>
 #include <memory>
 
 namespace Ui
@@ -221,6 +222,7 @@ private:
     bool m_interactiveChange = true;
     bool m_runningBatchCommands = false;
     bool m_displayHeld = false;
+    QTextCursor m_heldLogEdit;
     bool m_exportRunning = false;
     bool m_maximizeAllRequested = false;
     bool m_maximizeFixtureRequested = false;
