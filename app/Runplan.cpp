@@ -80,8 +80,6 @@ private:
     int& m_counter;
 };
 
-constexpr int MaxReceiversPerRun = 63;
-
 QString projectFilter()
 {
     return QObject::tr("Configuration Files (*.rpproj);;All Files (*.* *)");
@@ -199,6 +197,16 @@ Runplan::Runplan(QWidget* parent)
     connect(m_doc->model(), &QAbstractItemModel::layoutChanged, ui->tableView,
             &CWidgetTableView::handleModelReset);
     connect(m_doc->model(), &QAbstractItemModel::layoutChanged, this, &Runplan::DL_Update);
+    // The add buttons follow every change of the tree or of the selected component, not only a
+    // new selection: an edited output mode changes what may hang below. A load that leaves the
+    // canvas empty announces only the model's reset.
+    const auto refreshAddButtons = [this]() { updateAddButtons(m_doc->currentIndex()); };
+    connect(m_doc, &ConfigDocument::changed, this, refreshAddButtons);
+    connect(m_doc, &ConfigDocument::componentChanged, this, refreshAddButtons);
+    connect(m_doc->model(), &QAbstractItemModel::modelReset, this, [this, refreshAddButtons]() {
+        if (!m_doc->root())
+            refreshAddButtons();
+    });
     connect(canvas, &CFrame::deleteCurrentCWidget, this, &Runplan::DL_DeleteLast);
     connect(ui->actionDelete, &QAction::triggered, this, &Runplan::DL_DeleteLast);
     connect(ui->actionNew, &QAction::triggered, this, &Runplan::handleNewAction);
@@ -538,27 +546,13 @@ void Runplan::rebuildVoltageList(const DLFixture* fixture)
     const QSignalBlocker block(combo);
     const QString other = tr("Other");
     const QString previous = combo->currentText();
-    const bool previousWasOther = previous == other;
     combo->clear();
     for (int volts : fixture->validVoltages)
         combo->addItem(QString::number(volts), volts);
     // A custom voltage stays possible with every fixture.
     combo->addItem(other);
-
-    int index = -1;
-    if (previousWasOther)
-        index = combo->count() - 1;
-    if (index < 0 && !previous.isEmpty()) {
-        bool ok = false;
-        const int volts = previous.toInt(&ok);
-        if (ok)
-            index = combo->findData(volts);
-    }
-    if (index < 0)
-        index = combo->findData(fixture->startingVoltage);
-    if (index < 0 && !fixture->validVoltages.isEmpty())
-        index = 0;
-    combo->setCurrentIndex(index);
+    combo->setCurrentIndex(
+        voltageEntryAfterFixtureChange(fixture->validVoltages, fixture->startingVoltage, previous, other));
     ui->m_DL_LineVoltage_Spin->setVisible(combo->currentText() == other);
 }
 
@@ -626,108 +620,17 @@ void Runplan::handleSelectionChanged(const QModelIndex& index)
 
 void Runplan::updateAddButtons(const QModelIndex& index)
 {
-    QPushButton* fixture = ui->m_DL_AddFixture_Button;
-    QPushButton* jumper = ui->m_DL_AddJumper_Button;
-    QPushButton* leader = ui->m_DL_AddLeader_Button;
-    QPushButton* receiver = ui->m_DL_AddReceiver_Button;
-    QPushButton* box = ui->m_DL_AddJunctionBox_Button;
-    QPushButton* enabler = ui->m_DL_AddSupply_Button;
-    QPushButton* maximize = ui->m_DL_Maximize_Button;
-    for (QPushButton* b : {fixture, box, enabler, leader, maximize})
-        b->setEnabled(false);
-
-    const CWidget* w = index.isValid() ? m_doc->model()->widget(index) : nullptr;
-    if (!w || w->isInvisibleRoot()) {
-        fixture->setEnabled(false);
-        jumper->setEnabled(false);
-        receiver->setEnabled(false);
-        return;
-    }
-    const CWidget* top = m_doc->root();
-    const int receivers = top ? top->countInSubtree(ItemReceiver) : 0;
-    const bool roomForReceiver = receivers < MaxReceiversPerRun;
-    const DLFixture* chosen = chosenFixtureRecord();
-    const bool familyOne = chosen && chosen->family == 1;
-    const bool hasChildren = w->childCount() > 0;
-    const bool underReceiver = w->hasAncestorOfType(ItemReceiver);
-    const QString feedwise = Modes::feedwise();
-
-    switch (w->itemType()) {
-    case ItemSupply:
-        if (hasChildren)
-            break;
-        if (w->locationText() != feedwise) {
-            maximize->setEnabled(true);
-            fixture->setEnabled(true);
-            leader->setEnabled(true);
-            box->setEnabled(true);
-            receiver->setEnabled(false);
-        } else {
-            maximize->setEnabled(!familyOne);
-            receiver->setEnabled(roomForReceiver);
-            fixture->setEnabled(!familyOne);
-            enabler->setEnabled(true);
-            box->setEnabled(true);
-        }
-        break;
-    case ItemLeader:
-    case ItemJumper:
-        if (hasChildren)
-            break;
-        fixture->setEnabled(!(underReceiver && familyOne));
-        maximize->setEnabled(true);
-        break;
-    case ItemFixture: {
-        const bool room = w->childCount() < w->maxChildren();
-        fixture->setEnabled(room);
-        jumper->setEnabled(room);
-        const CWidget* parent = w->parentWidget();
-        if (!hasChildren && !(parent && parent->itemType() == ItemReceiver))
-            maximize->setEnabled(true);
-        break;
-    }
-    case ItemReceiver: {
-        const auto* r = static_cast<const ReceiverWidget*>(w);
-        const bool takesBox = r->canTakeJunctionBox();
-        const bool takesFixtures = r->canTakeFixtures();
-        box->setEnabled(takesBox);
-        receiver->setEnabled(roomForReceiver && takesBox);
-        fixture->setEnabled(takesFixtures && !familyOne);
-        leader->setEnabled(takesFixtures && !familyOne);
-        maximize->setEnabled(takesFixtures && !familyOne);
-        break;
-    }
-    case ItemBranchWire:
-        if (hasChildren)
-            break;
-        box->setEnabled(true);
-        if (w->locationText() == feedwise) {
-            enabler->setEnabled(true);
-            receiver->setEnabled(roomForReceiver);
-        }
-        maximize->setEnabled(true);
-        break;
-    case ItemJunctionBox: {
-        const auto* j = static_cast<const JunctionBoxWidget*>(w);
-        const CWidget* parent = w->parentWidget();
-        const bool parentFeedwise = parent && parent->locationText() == feedwise;
-        const bool feedsSupply = j->canFeedSupply();
-        const bool feedsFixtures = j->canFeedFixtures();
-        receiver->setEnabled(parentFeedwise && roomForReceiver && feedsSupply);
-        const bool fixturesHere = !parentFeedwise && feedsFixtures && !(underReceiver && familyOne);
-        fixture->setEnabled(fixturesHere);
-        maximize->setEnabled(fixturesHere);
-        leader->setEnabled(fixturesHere);
-        enabler->setEnabled(feedsSupply);
-        box->setEnabled(feedsSupply || feedsFixtures);
-        break;
-    }
-    default:
-        fixture->setEnabled(false);
-        jumper->setEnabled(false);
-        receiver->setEnabled(false);
-        break;
-    }
+    // The document's rule for the selected component (the one the canvas announced).
+    Q_UNUSED(index)
+    const Additions allowed = m_doc->allowedAdditions(chosenFixtureRecord());
+    ui->m_DL_AddFixture_Button->setEnabled(allowed.fixture);
+    ui->m_DL_AddLeader_Button->setEnabled(allowed.leader);
+    ui->m_DL_AddReceiver_Button->setEnabled(allowed.receiver);
+    ui->m_DL_AddJunctionBox_Button->setEnabled(allowed.junctionBox);
+    ui->m_DL_AddSupply_Button->setEnabled(allowed.enabler);
+    ui->m_DL_Maximize_Button->setEnabled(allowed.maximize);
+    if (allowed.jumper != Additions::JumperUnchanged)
+        ui->m_DL_AddJumper_Button->setEnabled(allowed.jumper == Additions::JumperOn);
 }
 
 // =============================================================================================
