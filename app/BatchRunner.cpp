@@ -16,6 +16,7 @@ bool BatchRunner::start(const CommandLineOptions& options)
     if (options.unattended) {
         // An unattended run has no history and nothing to recover.
         m_window->m_runningBatchCommands = true;
+        m_window->holdDisplay();
         m_window->m_history->setEnabled(false);
         m_window->m_autosave->setEnabled(false);
     }

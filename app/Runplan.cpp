@@ -8,6 +8,7 @@
 #include "app/ExportRunner.h"
 #include "app/GuiReporter.h"
 #include "app/Prompter.h"
+#include "app/UnlaidTextLayout.h"
 #include "app/WindowScopes.h"
 #include "app/commands/CommandText.h"
 #include "app/commands/EditHistory.h"
@@ -41,6 +42,7 @@
 #include <QSettings>
 #include <QStatusBar>
 #include <QTextCursor>
+#include <QTextDocument>
 #include <QTimer>
 #include <QUndoStack>
 
@@ -250,9 +252,7 @@ void Runplan::restoreWindowState()
     QSettings settings;
     if (settings.contains(RunplanSettings::windowGeometryKey()))
         restoreGeometry(settings.value(RunplanSettings::windowGeometryKey()).toByteArray());
-    ui->actionLineColorKey->setChecked(settings.contains(RunplanSettings::lineKeyActiveKey())
-                                           ? settings.value(RunplanSettings::lineKeyActiveKey()).toBool()
-                                           : true);
+    ui->actionLineColorKey->setChecked(RunplanSettings::lineKeyActive());
     ui->m_DL_Frame->handleLineKeyToggled(ui->actionLineColorKey->isChecked());
 }
 
@@ -260,6 +260,8 @@ Runplan::~Runplan()
 {
     // Reaching here is a clean exit: nothing is left to recover.
     m_autosave->discard();
+    if (!m_heldLogEdit.isNull())
+        m_heldLogEdit.endEditBlock();
     // The canvas and the table refer to the document: let them go first.
     ui->m_DL_Frame->setDocument(nullptr);
     ui->tableView->setModel(nullptr);
@@ -671,6 +673,12 @@ void Runplan::runAnalysis()
 {
     AnalysisResult result = analyze(m_doc->root(), circuitInputs(), *m_db);
     applyResult(*m_doc, result);
+    if (m_displayHeld) {
+        // Unattended: the log still gets its lines; the totals and the canvas are never seen.
+        logResult(result);
+        m_lastResult = std::move(result);
+        return;
+    }
 
     ui->m_DL_DerateLoad_Label->setText(result.derateLabel);
     ui->m_DL_TotalFixtures_Label->setText(result.fixtureLabel);
@@ -693,16 +701,25 @@ void Runplan::runAnalysis()
         setFieldColor(ui->m_DL_Total_PLC_Length_Edit, clearedFieldColor());
     }
 
-    for (const auto& line : result.logLines())
-        statusMessage(line.first, line.second ? failingLogColor() : passingLogColor());
-
+    logResult(result);
     m_lastResult = std::move(result);
     ui->m_DL_Frame->updateFrame();
     ui->tableView->handleModelReset();
 }
 
+void Runplan::logResult(const AnalysisResult& result)
+{
+    for (const auto& line : result.logLines())
+        statusMessage(line.first, line.second ? failingLogColor() : passingLogColor());
+}
+
 void Runplan::setFieldColor(QLineEdit* edit, const QColor& color)
 {
+    // Every analysis sets the colours again, mostly to what they are: a new palette is dear.
+    if (edit->palette().color(QPalette::Active, QPalette::Base) == color &&
+        edit->palette().color(QPalette::Inactive, QPalette::Base) == color &&
+        edit->palette().color(QPalette::Disabled, QPalette::Base) == color)
+        return;
     QPalette palette = edit->palette();
     palette.setColor(QPalette::All, QPalette::Base, color);
     edit->setPalette(palette);
@@ -779,14 +796,30 @@ void Runplan::restoreState(const DocumentSnapshot& state)
 // =============================================================================================
 // Command line
 
-bool Runplan::processCommandLine(const QStringList& arguments)
-{
-    return processCommandLine(parseCommandLine(arguments.mid(1)));
-}
-
 bool Runplan::processCommandLine(const CommandLineOptions& options)
 {
     return m_batch->start(options);
+}
+
+void Runplan::holdDisplay()
+{
+    // The canvas and the property table are left without the configuration, the totals are no
+    // longer refreshed (runAnalysis), and the output log keeps its text, colours included,
+    // without laying out a line of it or keeping its edits for undo. What the canvas passed on
+    // from the document now comes straight from it.
+    m_displayHeld = true;
+    ui->tableView->setModel(nullptr);
+    ui->m_DL_Frame->setDocument(nullptr);
+    connect(m_doc, &ConfigDocument::changed, this, &Runplan::DL_Update);
+    connect(m_doc, &ConfigDocument::currentChanged, this, &Runplan::handleSelectionChanged);
+    connect(this, &Runplan::paramChanged, m_doc, [this]() { m_doc->setModified(true); });
+    QTextDocument* log = ui->m_messageBox->document();
+    log->setUndoRedoEnabled(false);
+    log->setDocumentLayout(new UnlaidTextLayout(log));
+    // One edit block for the whole run: every line goes in as it comes, but the log's views and
+    // signals hear of them once, at the end.
+    m_heldLogEdit = QTextCursor(log);
+    m_heldLogEdit.beginEditBlock();
 }
 
 void Runplan::runCommands()
@@ -892,7 +925,7 @@ void Runplan::closeEvent(QCloseEvent* event)
     QSettings settings;
     settings.setValue(RunplanSettings::windowGeometryKey(), saveGeometry());
     settings.setValue(RunplanSettings::lineKeyActiveKey(), ui->actionLineColorKey->isChecked());
-    settings.sync();
+    RunplanSettings::finishWrite(settings);
     m_autosave->discard();
     event->accept();
 }

@@ -9,6 +9,7 @@
 #include <QMainWindow>
 #include <QModelIndex>
 #include <QPointer>
+#include <QTextCursor>
 #include <memory>
 
 namespace Ui
@@ -79,7 +80,6 @@ public:
 
     // The command-line step: applies the options in order through the selectors, opens the
     // project file given last and queues runCommands(). False when that project could not be read.
-    bool processCommandLine(const QStringList& arguments);
     bool processCommandLine(const CommandLineOptions& options);
 
     // The undo history of the configuration and the autosave of its unsaved changes.
@@ -211,6 +211,7 @@ private:
     // A new enabler, the selected one, on an empty canvas (the Reset button, enabler and fixture
     // changes that clear, New, the exports' fresh start).
     void resetCanvas();
+    void logResult(const AnalysisResult& result);
     void rebuildVoltageList(const DLFixture* fixture);
     void updateAddButtons(const QModelIndex& index);
     void setFieldColor(QLineEdit* edit, const QColor& color);
@@ -231,6 +232,8 @@ private:
     void connectViews();
     void setUpActionTips();
     void restoreWindowState();
+    // Unattended: the window is never shown, so its display is no longer kept up.
+    void holdDisplay();
 
     Ui::RunplanClass* ui;
     const Database* m_db = nullptr;
@@ -247,6 +250,8 @@ private:
 
     bool m_interactiveChange = true;
     bool m_runningBatchCommands = false;
+    bool m_displayHeld = false;
+    QTextCursor m_heldLogEdit;
     double m_zoomFactor = 1.0;
     AnalysisResult m_lastResult;
 

@@ -58,10 +58,22 @@ int printReport(const Runplan& window, bool opened, const QString& projectFile)
 
 int main(int argc, char* argv[])
 {
-    QStringList rawArguments;
-    for (int i = 1; i < argc; ++i)
-        rawArguments.append(QString::fromLocal8Bit(argv[i]));
-    const CommandLineOptions options = parseCommandLine(rawArguments);
+    // Without any screen the program draws off screen; a run that wants the window then ends with
+    // a message below instead of failing to start.
+    const bool noScreen = qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
+                          qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+    if (noScreen)
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QT_WARNING_POP
+    QApplication app(argc, argv);
+
+    // The command line is read once, here, after Qt has taken out its own options ("-platform",
+    // "-style", ...): "runplan -platform offscreen -nw ..." is as unattended as "runplan -nw ...".
+    const CommandLineOptions options = parseCommandLine(QCoreApplication::arguments().mid(1));
 
     // Answered before any window exists.
     if (options.help) {
@@ -76,16 +88,11 @@ int main(int argc, char* argv[])
         writeErr(QStringLiteral("Runplan: --report needs -nw and a project file.\n"));
         return 1;
     }
-    // An unattended run needs no screen: without one it draws off screen.
-    if (options.unattended && qEnvironmentVariableIsEmpty("DISPLAY") &&
-        qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED
-    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    QT_WARNING_POP
-    QApplication app(argc, argv);
+    if (noScreen && !options.unattended) {
+        writeErr(QStringLiteral("Runplan: there is no display to show the window on; "
+                                "use -nw for an unattended run.\n"));
+        return 1;
+    }
 
     QFont font = QApplication::font();
     font.setPointSizeF(8.5);
@@ -109,7 +116,7 @@ int main(int argc, char* argv[])
     Runplan window;
     QCoreApplication::processEvents();
 
-    const bool opened = window.processCommandLine(QCoreApplication::arguments());
+    const bool opened = window.processCommandLine(options);
     if (options.report) {
         const int status = printReport(window, opened, options.projectFile);
         Reporter::setGlobal(nullptr);

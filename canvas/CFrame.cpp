@@ -12,6 +12,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QPrinter>
 #include <QScrollBar>
@@ -303,12 +304,15 @@ void CFrame::scrollContentsBy(int dx, int dy)
 
 void CFrame::paintEvent(QPaintEvent* event)
 {
-    Q_UNUSED(event)
     QPainter painter(viewport());
     painter.fillRect(viewport()->rect(), QColor(240, 240, 240));
     painter.scale(m_zoom, m_zoom);
     painter.setRenderHint(QPainter::Antialiasing);
+    // Only what lies in the exposed area is drawn: a large plan is mostly off screen.
+    m_paintArea = QRectF(event->rect()).adjusted(-1, -1, 1, 1);
+    m_paintArea = QRectF(m_paintArea.topLeft() / m_zoom, m_paintArea.bottomRight() / m_zoom);
     paintTree(painter);
+    m_paintArea = QRectF();
 }
 
 void CFrame::paintTree(QPainter& painter)
@@ -336,15 +340,22 @@ void CFrame::paintComponent(QPainter& painter, const CWidget* w, const Layout& l
     option.rect = QRect(QPoint(0, 0), r.size());
     option.state.setFlag(QStyle::State_Selected, w == m_doc->current());
 
-    painter.save();
-    painter.translate(r.topLeft());
-    m_delegate->paint(&painter, option, index);
-    painter.restore();
+    if (inPaintArea(r)) {
+        painter.save();
+        painter.translate(r.topLeft());
+        m_delegate->paint(&painter, option, index);
+        painter.restore();
+    }
 
     for (const CWidget* c : w->children())
         paintComponent(painter, c, layout);
     if (const CWidget* parent = w->parentWidget())
         paintConnector(painter, parent, w, layout);
+}
+
+bool CFrame::inPaintArea(const QRectF& r) const
+{
+    return m_paintArea.isNull() || m_paintArea.intersects(r);
 }
 
 void CFrame::paintConnector(QPainter& painter, const CWidget* parent, const CWidget* child,
@@ -375,6 +386,11 @@ void CFrame::paintConnector(QPainter& painter, const CWidget* parent, const CWid
     const bool parentIsBox = !parent->isCable();
     const bool childIsBox = !child->isCable();
     const bool firstChild = parent->indexOfChild(child) == 0;
+    // A connector stays within its two boxes widened by its bends (at most twice the difference
+    // of their right edges plus 80 to either side).
+    const qreal reach = 2.0 * qAbs(pRight - nRight) + 80.0;
+    if (!inPaintArea(p.united(n).adjusted(-reach, -2.0, reach, 2.0)))
+        return;
 
     painter.save();
     painter.setPen(QPen(colour, 2.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));

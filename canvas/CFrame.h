@@ -85,6 +85,8 @@ private:
     Layout computeLayout(bool scrolled) const;
     void paintComponent(QPainter& painter, const CWidget* w, const Layout& layout);
     void paintConnector(QPainter& painter, const CWidget* parent, const CWidget* child, const Layout& layout);
+    // True when an unscaled rectangle meets the area being painted (always outside paint events).
+    bool inPaintArea(const QRectF& r) const;
     void placeLineKey();
     void updateScrollRanges();
 
@@ -93,6 +95,7 @@ private:
     bool m_printing = false;
     bool m_lineVoltageSeen = false;
     double m_lastPrintScale = 0.0;
+    QRectF m_paintArea; // unscaled area of the paint event under way; null: everything
     QWidget* m_lineKey = nullptr;
     class CFrameItemDelegate* m_delegate = nullptr;
 };

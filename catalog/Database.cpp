@@ -2,12 +2,12 @@
 
 #include "catalog/FieldReader.h"
 #include "catalog/Reporter.h"
+#include "catalog/XmlDepth.h"
 
 #include <QCoreApplication>
 #include <QDomDocument>
 #include <QDomNodeList>
 #include <QFile>
-#include <QXmlStreamReader>
 
 using namespace FieldReader;
 
@@ -27,23 +27,10 @@ struct ParseProblem {
 
 bool tooDeep(const QByteArray& bytes, ParseProblem& problem)
 {
-    QXmlStreamReader reader(bytes);
-    int depth = 0;
-    while (!reader.atEnd()) {
-        const auto token = reader.readNext();
-        if (token == QXmlStreamReader::StartElement) {
-            if (++depth > MaxNestingDepth) {
-                problem.message =
-                    QStringLiteral("elements nested more than %1 levels deep").arg(MaxNestingDepth);
-                problem.line = reader.lineNumber();
-                problem.column = reader.columnNumber();
-                return true;
-            }
-        } else if (token == QXmlStreamReader::EndElement) {
-            --depth;
-        }
-    }
-    return false; // any other error is left to the document parser, which reports it
+    if (!XmlDepth::exceeds(bytes, MaxNestingDepth, &problem.line, &problem.column))
+        return false; // any other error is left to the document parser, which reports it
+    problem.message = QStringLiteral("elements nested more than %1 levels deep").arg(MaxNestingDepth);
+    return true;
 }
 } // namespace
 

@@ -88,6 +88,7 @@ private slots:
     void lineKeyPosition();
     void scrolling();
     void printing();
+    void paintsOnlyWhatIsShown();
 };
 
 void TstCanvas::initTestCase()
@@ -404,6 +405,37 @@ void TstCanvas::printing()
     big.setPageOrientation(QPageLayout::Landscape);
     QCOMPARE(printToPdf(single, big, QStringLiteral("single.pdf")), 1);
     QVERIFY(qFuzzyCompare(1100 * single.frame.lastPrintScale(), big.pageRect(QPrinter::DevicePixel).width()));
+}
+
+void TstCanvas::paintsOnlyWhatIsShown()
+{
+    // A paint event draws only what meets the viewport: the screen must show exactly what the
+    // whole tree painted at the same scroll position shows, boxes and connectors cut by the
+    // viewport's edges included.
+    Canvas c(&m_db, QSize(700, 260));
+    c.doc.addSupply(m_feeder);
+    CWidget* box = c.doc.addJunctionBox();
+    for (int branch = 0; branch < 4; ++branch) {
+        c.doc.setCurrent(box);
+        QVERIFY(c.doc.addLeader(m_fixture));
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(c.doc.addFixture(m_fixture));
+    }
+    QVERIFY(QTest::qWaitForWindowExposed(&c.frame));
+    for (const QPoint scroll : {QPoint(0, 0), QPoint(470, 90), QPoint(1200, 200)}) {
+        c.frame.horizontalScrollBar()->setValue(scroll.x());
+        c.frame.verticalScrollBar()->setValue(scroll.y());
+        QWidget* viewport = c.frame.viewport();
+        const QImage shown = viewport->grab().toImage().convertToFormat(QImage::Format_RGB32);
+        QImage whole(viewport->size(), QImage::Format_RGB32);
+        whole.fill(Background);
+        QPainter painter(&whole);
+        painter.setRenderHint(QPainter::Antialiasing);
+        c.frame.paintTree(painter);
+        painter.end();
+        QVERIFY(shown != QImage(viewport->size(), QImage::Format_RGB32));
+        QCOMPARE(shown, whole);
+    }
 }
 
 QTEST_MAIN(TstCanvas)
