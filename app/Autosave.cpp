@@ -30,8 +30,12 @@ void Autosave::setEnabled(bool on)
 
 void Autosave::writeNow()
 {
-    if (m_enabled && m_doc->isModified())
+    if (!m_enabled)
+        return;
+    if (m_doc->isModified())
         m_store.write(m_project(), m_origin());
+    else
+        m_store.discard(); // undone back to the saved state: nothing is left to recover
 }
 
 void Autosave::discard()

@@ -26,7 +26,7 @@ public:
     void setEnabled(bool on);
     RecoveryStore& store() { return m_store; }
 
-    // Writes the recovery file now when there are unsaved changes.
+    // Writes the recovery file now when there are unsaved changes, deletes it when there are none.
     void writeNow();
     // The changes were saved or let go: the recovery file goes.
     void discard();
