@@ -7,8 +7,8 @@
 #include "app/DocumentLifecycle.h"
 #include "app/ExportRunner.h"
 #include "app/GuiReporter.h"
+#include "app/OutputLog.h"
 #include "app/Prompter.h"
-#include "app/UnlaidTextLayout.h"
 #include "app/WindowScopes.h"
 #include "app/commands/CommandText.h"
 #include "app/commands/EditHistory.h"
@@ -38,11 +38,8 @@
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QSaveFile>
-#include <QScrollBar>
 #include <QSettings>
 #include <QStatusBar>
-#include <QTextCursor>
-#include <QTextDocument>
 #include <QTimer>
 #include <QUndoStack>
 
@@ -132,6 +129,7 @@ Runplan::Runplan(QWidget* parent)
 void Runplan::setUpForm()
 {
     ui->setupUi(this);
+    m_log = std::make_unique<OutputLog>(ui->m_messageBox);
     setWindowIcon(QIcon(QStringLiteral(":/Runplan.ico")));
 
     // Bold labels; only the Dynaline page stays.
@@ -211,7 +209,7 @@ void Runplan::connectViews()
     connect(ui->actionExit, &QAction::triggered, this, &QWidget::close);
     connect(ui->m_zoomComboBox, &QComboBox::currentIndexChanged, this, &Runplan::handleZoomLevelChanged);
     connect(this, &Runplan::zoomLevelChanged, canvas, &CFrame::handleZoomChanged);
-    connect(ui->m_clearLogButton, &QPushButton::clicked, ui->m_messageBox, &QTextEdit::clear);
+    connect(ui->m_clearLogButton, &QPushButton::clicked, this, [this]() { m_log->clear(); });
     connect(ui->actionLineColorKey, &QAction::toggled, canvas, &CFrame::handleLineKeyToggled);
     connect(m_doc->model(), &CWidgetModel::propertyEdited, this, [this](int column) {
         // The edit is already stored: the step records it.
@@ -260,8 +258,6 @@ Runplan::~Runplan()
 {
     // Reaching here is a clean exit: nothing is left to recover.
     m_autosave->discard();
-    if (!m_heldLogEdit.isNull())
-        m_heldLogEdit.endEditBlock();
     // The canvas and the table refer to the document: let them go first.
     ui->m_DL_Frame->setDocument(nullptr);
     ui->tableView->setModel(nullptr);
@@ -301,17 +297,12 @@ void Runplan::statusMessage(const QString& text)
 
 void Runplan::statusMessage(const QString& text, const QColor& color)
 {
-    // Coloured through a cursor of its own at the end: the log's cursor (the user's selection)
-    // keeps its text and its colour.
-    QTextEdit* log = ui->m_messageBox;
-    QTextCursor end(log->document());
-    end.movePosition(QTextCursor::End);
-    if (!log->document()->isEmpty())
-        end.insertBlock();
-    QTextCharFormat format;
-    format.setForeground(color);
-    end.insertText(text, format);
-    log->verticalScrollBar()->setValue(log->verticalScrollBar()->maximum());
+    m_log->append(text, color);
+}
+
+QTextEdit* Runplan::outputLog() const
+{
+    return m_log->edit();
 }
 
 void Runplan::showStatusLine(const QString& text)
@@ -804,22 +795,15 @@ bool Runplan::processCommandLine(const CommandLineOptions& options)
 void Runplan::holdDisplay()
 {
     // The canvas and the property table are left without the configuration, the totals are no
-    // longer refreshed (runAnalysis), and the output log keeps its text, colours included,
-    // without laying out a line of it or keeping its edits for undo. What the canvas passed on
-    // from the document now comes straight from it.
+    // longer refreshed (runAnalysis), and the output log keeps its lines aside until someone asks
+    // for it (outputLog()). What the canvas passed on from the document now comes straight from it.
     m_displayHeld = true;
     ui->tableView->setModel(nullptr);
     ui->m_DL_Frame->setDocument(nullptr);
     connect(m_doc, &ConfigDocument::changed, this, &Runplan::DL_Update);
     connect(m_doc, &ConfigDocument::currentChanged, this, &Runplan::handleSelectionChanged);
     connect(this, &Runplan::paramChanged, m_doc, [this]() { m_doc->setModified(true); });
-    QTextDocument* log = ui->m_messageBox->document();
-    log->setUndoRedoEnabled(false);
-    log->setDocumentLayout(new UnlaidTextLayout(log));
-    // One edit block for the whole run: every line goes in as it comes, but the log's views and
-    // signals hear of them once, at the end.
-    m_heldLogEdit = QTextCursor(log);
-    m_heldLogEdit.beginEditBlock();
+    m_log->hold();
 }
 
 void Runplan::runCommands()

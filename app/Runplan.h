@@ -9,7 +9,6 @@
 #include <QMainWindow>
 #include <QModelIndex>
 #include <QPointer>
-#include <QTextCursor>
 #include <memory>
 
 namespace Ui
@@ -31,6 +30,7 @@ class Database;
 class DLFixture;
 class DLPowerSupply;
 class LoadingDialog;
+class OutputLog;
 class Prompter;
 class QCloseEvent;
 class QComboBox;
@@ -117,6 +117,8 @@ public:
     const AnalysisResult& lastResult() const { return m_lastResult; }
     double zoomFactor() const { return m_zoomFactor; }
     void showStatusLine(const QString& text);
+    // The output log with every line written so far.
+    QTextEdit* outputLog() const;
 
     // Reset button (it has no widget of its own in the form): see resetCanvas().
     void on_m_DL_Reset_Button_clicked();
@@ -251,7 +253,7 @@ private:
     bool m_interactiveChange = true;
     bool m_runningBatchCommands = false;
     bool m_displayHeld = false;
-    QTextCursor m_heldLogEdit;
+    std::unique_ptr<OutputLog> m_log;
     double m_zoomFactor = 1.0;
     AnalysisResult m_lastResult;
 
