@@ -93,12 +93,7 @@ void DocumentLifecycle::newConfiguration()
         if (ui->m_DLController_Combo->currentIndex() < 0 && ui->m_DLController_Combo->count() > 0)
             ui->m_DLController_Combo->setCurrentIndex(0);
     }
-    m_window->chooseDefaultLineVoltage();
-    if (ui->m_DL_LineVoltage_Combo->currentIndex() < 0 && ui->m_DL_LineVoltage_Combo->count() > 0)
-        ui->m_DL_LineVoltage_Combo->setCurrentIndex(0);
-    ui->m_DL_MaxLoad_Combo->setCurrentIndex(0);
-    ui->m_frequencyComboBox->setCurrentIndex(ui->m_frequencyComboBox->findText(
-        QStringLiteral("60 Hz"), Qt::MatchFixedString | Qt::MatchCaseSensitive));
+    m_window->chooseDefaultInputs();
     m_window->resetCanvas();
     m_window->m_doc->setModified(false);
     setCurrentFile(QString());

@@ -12,6 +12,7 @@
 #include "app/WindowScopes.h"
 #include "app/commands/CommandText.h"
 #include "app/commands/EditHistory.h"
+#include "calc/CircuitSelectors.h"
 #include "calc/Maximize.h"
 #include "canvas/CFrame.h"
 #include "catalog/Database.h"
@@ -88,6 +89,7 @@ Runplan::Runplan(QWidget* parent)
     // The catalog: its first use loads it and reports its own faults. The canvas and the
     // property table are two views on the one configuration.
     m_db = Database::instance();
+    m_selectors = std::make_unique<CircuitSelectors>(*m_db);
     m_doc = new ConfigDocument(m_db, this);
     m_exportRunner = new ExportRunner(this);
     m_history = new EditHistory(
@@ -165,12 +167,10 @@ void Runplan::chooseInitialInputs()
     const QFont bold = boldFont();
     ui->m_DL_TotalPower_Label->setFont(bold);
     ui->m_DL_TotalFixtures_Label->setFont(bold);
-    chooseDefaultLineVoltage();
+    // The list rebuild has chosen a voltage; the default one wins where the fixture offers it.
+    m_selectors->chooseDefaultLineVoltage();
+    mirrorInputs();
     ui->m_DL_LineVoltage_Spin->hide();
-    {
-        const QSignalBlocker block(ui->m_DL_MaxLoad_Combo);
-        ui->m_DL_MaxLoad_Combo->setCurrentIndex(0);
-    }
     ui->m_DL_MaxLoad_Spin->hide();
     ui->m_DL_TotalPowerWatts_Edit->setAutoFillBackground(true);
     ui->m_DL_TotalPowerAmps_Edit->setAutoFillBackground(true);
@@ -331,233 +331,6 @@ void Runplan::emitInputChanged()
     emit clearCalculations();
     emit paramChanged();
     DL_Update();
-}
-
-void Runplan::on_m_DL_LineVoltage_Combo_currentIndexChanged(int index)
-{
-    EditHistory::Step step(m_history, CommandText::change(tr("Line Voltage")));
-    ui->m_DL_LineVoltage_Spin->setVisible(ui->m_DL_LineVoltage_Combo->itemText(index) ==
-                                          HeaderChoices::otherEntry());
-    emitInputChanged();
-}
-
-void Runplan::on_m_DL_LineVoltage_Spin_valueChanged(int value)
-{
-    EditHistory::Step step(m_history, CommandText::change(tr("Line Voltage")),
-                           CommandText::CustomLineVoltage);
-    Q_UNUSED(value)
-    emitInputChanged();
-}
-
-void Runplan::on_m_DL_MaxLoad_Combo_currentIndexChanged(int index)
-{
-    EditHistory::Step step(m_history, CommandText::change(tr("Max Circuit Load")));
-    ui->m_DL_MaxLoad_Spin->setVisible(index >= 0 && index == ui->m_DL_MaxLoad_Combo->count() - 1);
-    emitInputChanged();
-}
-
-void Runplan::on_m_DL_MaxLoad_Spin_valueChanged(int value)
-{
-    EditHistory::Step step(m_history, CommandText::change(tr("Max Circuit Load")),
-                           CommandText::CustomMaxCircuitLoad);
-    Q_UNUSED(value)
-    emitInputChanged();
-}
-
-void Runplan::on_m_frequencyComboBox_currentIndexChanged(int index)
-{
-    EditHistory::Step step(m_history, CommandText::change(tr("Frequency")));
-    Q_UNUSED(index)
-    emitInputChanged();
-}
-
-void Runplan::on_m_DLController_Combo_currentIndexChanged(int index)
-{
-    EditHistory::Step step(m_history, CommandText::change(tr("Controller")));
-    Q_UNUSED(index)
-    emit paramChanged();
-    DL_Update();
-}
-
-// =============================================================================================
-// Selectors
-
-DLPowerSupply* Runplan::currentSupplyRecord() const
-{
-    return ui->m_DLSupply_Combo->currentData().value<DLPowerSupply*>();
-}
-
-DLFixture* Runplan::currentFixtureRecord() const
-{
-    const DLPowerSupply* supply = currentSupplyRecord();
-    if (!supply || supply->fixtures.isEmpty())
-        return nullptr;
-    const QString wanted = ui->m_DLFixture_Combo->currentText();
-    VxFixture* found = nullptr;
-    for (VxFixture* f : supply->fixtures)
-        if (f->name == wanted)
-            found = f;
-    return qobject_cast<DLFixture*>(found ? found : supply->fixtures.first());
-}
-
-DLFixture* Runplan::chosenFixtureRecord() const
-{
-    const DLPowerSupply* supply = currentSupplyRecord();
-    const int index = ui->m_DLFixture_Combo->currentIndex();
-    if (!supply || index < 0 || index >= supply->fixtures.size())
-        return nullptr;
-    return qobject_cast<DLFixture*>(supply->fixtures.at(index));
-}
-
-CircuitInputs Runplan::circuitInputs() const
-{
-    CircuitInputs in;
-    const QString volts = ui->m_DL_LineVoltage_Combo->currentText();
-    in.lineVoltage =
-        volts == HeaderChoices::otherEntry() ? ui->m_DL_LineVoltage_Spin->value() : volts.toDouble();
-    const int load = ui->m_DL_MaxLoad_Combo->currentIndex();
-    in.maxCircuitLoad = (load >= 0 && load == ui->m_DL_MaxLoad_Combo->count() - 1)
-                            ? ui->m_DL_MaxLoad_Spin->value()
-                            : ui->m_DL_MaxLoad_Combo->currentText().toDouble();
-    in.frequency = ui->m_frequencyComboBox->currentIndex() == 0 ? 50 : 60;
-    in.controller = ui->m_DLController_Combo->currentText();
-    const DLPowerSupply* supply = currentSupplyRecord();
-    in.enabler = supply;
-    if (supply && !supply->fixtures.isEmpty()) {
-        const QString wanted = ui->m_DLFixture_Combo->currentText();
-        for (const VxFixture* f : supply->fixtures) {
-            if (f->name == wanted) {
-                in.selectedFixture = qobject_cast<const DLFixture*>(f);
-                break;
-            }
-        }
-        if (!in.selectedFixture)
-            in.selectedFixture = qobject_cast<const DLFixture*>(supply->fixtures.first());
-    }
-    return in;
-}
-
-void Runplan::selectFixtureIndex(int index)
-{
-    QComboBox* combo = ui->m_DLFixture_Combo;
-    if (index < 0 || index >= combo->count() || index == combo->currentIndex())
-        return;
-    InteractiveChangeOff off(this);
-    combo->setCurrentIndex(index);
-}
-
-void Runplan::selectSupplyRecord(const DLPowerSupply* record)
-{
-    QComboBox* combo = ui->m_DLSupply_Combo;
-    int index = -1;
-    for (int i = 0; i < combo->count() && index < 0; ++i)
-        if (combo->itemData(i).value<DLPowerSupply*>() == record)
-            index = i;
-    if (index < 0 || index == combo->currentIndex())
-        return;
-    InteractiveChangeOff off(this);
-    combo->setCurrentIndex(index);
-}
-
-void Runplan::chooseDefaultLineVoltage()
-{
-    // "120" where the list offers it; otherwise what the list rebuild chose stays.
-    const int index = findExactText(ui->m_DL_LineVoltage_Combo, QStringLiteral("120"));
-    if (index >= 0)
-        ui->m_DL_LineVoltage_Combo->setCurrentIndex(index);
-}
-
-void Runplan::on_m_DLSupply_Combo_currentIndexChanged(int index)
-{
-    if (m_interactiveChange && index == m_previousSupplyIndex)
-        return;
-    if (m_interactiveChange && m_doc->count(ItemAny) > 1 && !m_prompter->askClearConfiguration(this)) {
-        const QSignalBlocker block(ui->m_DLSupply_Combo);
-        ui->m_DLSupply_Combo->setCurrentIndex(m_previousSupplyIndex);
-        return;
-    }
-    m_previousSupplyIndex = index;
-    EditHistory::Step step(m_history, CommandText::change(tr("Enabler")));
-    {
-        AnalysisHold hold(m_analysisSuspended);
-        InteractiveChangeOff off(this);
-        // The root is always the chosen enabler.
-        resetCanvas();
-
-        const DLPowerSupply* supply = currentSupplyRecord();
-        ui->m_DLFixture_Combo->clear();
-        m_previousFixture = nullptr;
-        m_previousFixtureIndex = -1;
-        if (supply) {
-            for (const VxFixture* f : supply->fixtures)
-                ui->m_DLFixture_Combo->addItem(f->name);
-        }
-        const QSignalBlocker block(ui->m_DLController_Combo);
-        ui->m_DLController_Combo->clear();
-        if (supply && supply->hasOutputMode(Modes::feedwise()))
-            ui->m_DLController_Combo->addItems(m_db->controllers().keys());
-    }
-    DL_Update();
-}
-
-void Runplan::on_m_DLFixture_Combo_currentIndexChanged(int index)
-{
-    QComboBox* combo = ui->m_DLFixture_Combo;
-    if (combo->count() == 0)
-        return;
-    const DLPowerSupply* supply = currentSupplyRecord();
-    const DLFixture* fixture = (supply && index >= 0 && index < supply->fixtures.size())
-                                   ? qobject_cast<const DLFixture*>(supply->fixtures.at(index))
-                                   : nullptr;
-    if (!fixture) {
-        Reporter::global()->warning(tr("Fixture combo mismatch (DL)!"));
-        return;
-    }
-
-    EditHistory::Step step(m_history, CommandText::change(tr("Fixture")));
-    const int fixtures = m_doc->count(ItemFixture);
-    const int leaders = m_doc->count(ItemLeader);
-    const bool familiesDiffer = !m_previousFixture || m_previousFixture->family != fixture->family;
-    bool mustClear = false;
-    if (fixtures > 0)
-        mustClear = !m_previousFixture || m_previousFixture->family == 0 || familiesDiffer;
-    else if (leaders == 1)
-        mustClear = familiesDiffer;
-
-    {
-        AnalysisHold hold(m_analysisSuspended);
-        if (mustClear) {
-            if (m_interactiveChange && !m_prompter->askClearConfiguration(this)) {
-                const QSignalBlocker block(combo);
-                combo->setCurrentIndex(m_previousFixtureIndex);
-                updateAddButtons(m_doc->currentIndex());
-                return;
-            }
-            resetCanvas();
-        }
-        updateAddButtons(m_doc->currentIndex());
-        m_previousFixture = fixture;
-        m_previousFixtureIndex = index;
-        rebuildVoltageList(fixture);
-    }
-    // The fixture and perhaps the voltage are inputs of the analysis.
-    DL_Update();
-}
-
-void Runplan::rebuildVoltageList(const DLFixture* fixture)
-{
-    QComboBox* combo = ui->m_DL_LineVoltage_Combo;
-    const QSignalBlocker block(combo);
-    const QString other = HeaderChoices::otherEntry();
-    const QString previous = combo->currentText();
-    combo->clear();
-    for (int volts : fixture->validVoltages)
-        combo->addItem(QString::number(volts), volts);
-    // A custom voltage stays possible with every fixture.
-    combo->addItem(other);
-    combo->setCurrentIndex(
-        voltageEntryAfterFixtureChange(fixture->validVoltages, fixture->startingVoltage, previous, other));
-    ui->m_DL_LineVoltage_Spin->setVisible(combo->currentText() == other);
 }
 
 // =============================================================================================

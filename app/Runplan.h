@@ -24,6 +24,7 @@ class GuiReporter;
 class ExportRunner;
 struct DocumentSnapshot;
 class CFrame;
+class CircuitSelectors;
 class ConfigDocument;
 class CWidgetTableView;
 class Database;
@@ -214,11 +215,14 @@ private:
     // changes that clear, New, the exports' fresh start).
     void resetCanvas();
     void logResult(const AnalysisResult& result);
-    void rebuildVoltageList(const DLFixture* fixture);
+    // The combo boxes and spin boxes show what the selector state holds.
+    void mirrorVoltageList(const DLFixture* fixture);
+    void mirrorInputs();
+    // New: the default circuit inputs.
+    void chooseDefaultInputs();
     void updateAddButtons(const QModelIndex& index);
     void setFieldColor(QLineEdit* edit, const QColor& color);
     void emitInputChanged();
-    void chooseDefaultLineVoltage();
     // The two CSV exports; all: every fixture of the two listed enablers, else the chosen one.
     void runExport(bool all);
     // The file an export writes: asked for at the desktop, the command line's (or the default)
@@ -239,6 +243,7 @@ private:
 
     Ui::RunplanClass* ui;
     const Database* m_db = nullptr;
+    std::unique_ptr<CircuitSelectors> m_selectors;
     ConfigDocument* m_doc = nullptr;
     EditHistory* m_history = nullptr;
     Autosave* m_autosave = nullptr;

@@ -1,47 +1,49 @@
-// The main window's selectors as the header choices of project files.
+// The main window's selectors as the header choices of project files: read from the selector
+// state, chosen through the combo boxes (whose slots keep the state).
 #include "app/Runplan.h"
 
 #include "app/WindowScopes.h"
+#include "calc/CircuitSelectors.h"
 #include "ui_Runplan.h"
 
 QString Runplan::supplyText() const
 {
-    return ui->m_DLSupply_Combo->currentText();
+    return m_selectors->supply;
 }
 
 QString Runplan::fixtureText() const
 {
-    return ui->m_DLFixture_Combo->currentText();
+    return m_selectors->fixture;
 }
 
 QString Runplan::lineVoltageText() const
 {
-    return ui->m_DL_LineVoltage_Combo->currentText();
+    return m_selectors->lineVoltage;
 }
 
 int Runplan::customLineVoltage() const
 {
-    return ui->m_DL_LineVoltage_Spin->value();
+    return m_selectors->customVoltage;
 }
 
 QString Runplan::maxCircuitLoadText() const
 {
-    return ui->m_DL_MaxLoad_Combo->currentText();
+    return m_selectors->maxCircuitLoad;
 }
 
 int Runplan::customMaxCircuitLoad() const
 {
-    return ui->m_DL_MaxLoad_Spin->value();
+    return m_selectors->customLoad;
 }
 
 QString Runplan::frequencyText() const
 {
-    return ui->m_frequencyComboBox->currentText();
+    return m_selectors->frequency;
 }
 
 QString Runplan::controllerText() const
 {
-    return ui->m_DLController_Combo->currentText();
+    return m_selectors->controller;
 }
 
 void Runplan::selectSupply(const QString& text)

@@ -6,18 +6,19 @@
 #include "model/CWidget.h"
 #include "model/CWidgetModel.h"
 
-Session::Session(const Database& db, Reporter* reporter) : m_db(db), m_reporter(reporter), m_doc(&db)
+Session::Session(const Database& db, Reporter* reporter)
+    : m_db(db), m_reporter(reporter), m_doc(&db), m_header(db)
 {
     // Start as the main window does: the first enabler, its first fixture, 120 V where offered.
     if (!db.supplies().isEmpty()) {
-        chooseEnabler(db.supplies().first());
-        chooseLineVoltage(120);
+        Session::selectEnabler(db.supplies().first());
+        Session::selectLineVoltage(CircuitSelectors::DefaultLineVoltage);
     }
 }
 
 CircuitInputs Session::inputs() const
 {
-    return inputsFromHeader(m_header, m_db);
+    return m_header.inputs();
 }
 
 bool Session::analyze()
@@ -44,68 +45,25 @@ void Session::reset()
 
 DLFixture* Session::selectedFixture() const
 {
-    return const_cast<DLFixture*>(inputs().selectedFixture);
+    return const_cast<DLFixture*>(m_header.fixtureRecord());
 }
 
 void Session::selectEnabler(const DLPowerSupply* enabler)
 {
-    chooseEnabler(enabler);
+    if (!enabler)
+        return;
+    m_header.chooseEnabler(enabler);
+    reset();
 }
 
 void Session::selectFixture(const VxFixture* fixture)
 {
-    chooseFixture(fixture);
+    m_header.chooseFixture(fixture);
 }
 
 void Session::selectLineVoltage(int volts)
 {
-    chooseLineVoltage(volts);
-}
-
-void Session::chooseEnabler(const DLPowerSupply* enabler)
-{
-    if (!enabler)
-        return;
-    m_header.supply = enabler->name;
-    // Only an enabler that can feed receivers offers the controllers; the list shows the first.
-    m_header.controller = enabler->hasOutputMode(Modes::feedwise()) && !m_db.controllers().isEmpty()
-                              ? m_db.controllers().firstKey()
-                              : QString();
-    if (!enabler->fixtures.isEmpty())
-        chooseFixture(enabler->fixtures.first());
-    else
-        m_header.fixture.clear();
-    reset();
-}
-
-void Session::chooseFixture(const VxFixture* fixture)
-{
-    if (!fixture)
-        return;
-    m_header.fixture = fixture->name;
-
-    // The voltage list becomes the fixture's voltages and the custom entry, as in the window.
-    const QList<int>& volts = fixture->validVoltages;
-    const auto* dl = qobject_cast<const DLFixture*>(fixture);
-    const QString custom = QStringLiteral("Other");
-    const int entry = voltageEntryAfterFixtureChange(volts, dl ? dl->startingVoltage : 0,
-                                                     m_header.lineVoltage, custom);
-    if (entry < 0)
-        m_header.lineVoltage.clear();
-    else
-        m_header.lineVoltage = entry < volts.size() ? QString::number(volts.at(entry)) : custom;
-}
-
-void Session::chooseLineVoltage(int volts)
-{
-    const DLFixture* fixture = selectedFixture();
-    if (!fixture || !fixture->validVoltages.contains(volts))
-        return;
-    const QString text = QString::number(volts);
-    if (text == m_header.lineVoltage)
-        return;
-    m_header.lineVoltage = text;
-    if (m_doc.root())
+    if (m_header.chooseLineVoltage(volts) && m_doc.root())
         analyze();
 }
 

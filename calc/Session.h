@@ -1,9 +1,9 @@
 #pragma once
 
 #include "calc/Analysis.h"
+#include "calc/CircuitSelectors.h"
 #include "calc/CsvExport.h"
 #include "model/ConfigDocument.h"
-#include "model/HeaderChoices.h"
 
 class Reporter;
 
@@ -15,7 +15,7 @@ public:
     explicit Session(const Database& db, Reporter* reporter = nullptr);
 
     ConfigDocument& document() { return m_doc; }
-    HeaderValues& header() { return m_header; }
+    CircuitSelectors& header() { return m_header; }
     const AnalysisResult& result() const { return m_result; }
 
     CircuitInputs inputs() const;
@@ -41,14 +41,9 @@ public:
     bool progress(int percent) override;
 
 private:
-    // The selector changes themselves, also used while constructing.
-    void chooseEnabler(const DLPowerSupply* enabler);
-    void chooseFixture(const VxFixture* fixture);
-    void chooseLineVoltage(int volts);
-
     const Database& m_db;
     Reporter* m_reporter;
     ConfigDocument m_doc;
-    HeaderValues m_header;
+    CircuitSelectors m_header;
     AnalysisResult m_result;
 };

@@ -20,6 +20,9 @@ class HeaderChoices
 public:
     virtual ~HeaderChoices() = default;
 
+    // The line voltage a new window or session starts with, where its fixture offers it.
+    static constexpr int DefaultLineVoltage = 120;
+
     // The last entry of the voltage and load lists: a value typed into the spin box beside them.
     static QString otherEntry() { return QCoreApplication::translate("HeaderChoices", "Other"); }
 
@@ -49,8 +52,8 @@ class HeaderValues : public HeaderChoices
 public:
     QString supply;
     QString fixture;
-    QString lineVoltage = QStringLiteral("120");
-    int customVoltage = 120;
+    QString lineVoltage = QString::number(DefaultLineVoltage);
+    int customVoltage = DefaultLineVoltage;
     QString maxCircuitLoad = QStringLiteral("15");
     int customLoad = 15;
     QString frequency = QStringLiteral("60 Hz");
