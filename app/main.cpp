@@ -9,6 +9,7 @@
 #include <QTimer>
 
 #include <cstdio>
+#include <optional>
 
 namespace
 {
@@ -54,28 +55,21 @@ int printReport(const Runplan& window, bool opened, const QString& projectFile)
         writeOut(line.first + QLatin1Char('\n'));
     return result.pass ? 0 : 2;
 }
-} // namespace
 
-int main(int argc, char* argv[])
+// Without any screen the program draws off screen, and a run that wants the window ends with a
+// message (answeredBeforeWindow) instead of failing to start. True when there is no screen.
+bool drawOffScreenWithoutDisplay()
 {
-    // Without any screen the program draws off screen; a run that wants the window then ends with
-    // a message below instead of failing to start.
     const bool noScreen = qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
                           qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
     if (noScreen)
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    return noScreen;
+}
 
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED
-    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    QT_WARNING_POP
-    QApplication app(argc, argv);
-
-    // The command line is read once, here, after Qt has taken out its own options ("-platform",
-    // "-style", ...): "runplan -platform offscreen -nw ..." is as unattended as "runplan -nw ...".
-    const CommandLineOptions options = parseCommandLine(QCoreApplication::arguments().mid(1));
-
-    // Answered before any window exists.
+// What is answered before any window exists: the exit status, or nothing when the run goes on.
+std::optional<int> answeredBeforeWindow(const CommandLineOptions& options, bool noScreen)
+{
     if (options.help) {
         writeOut(commandLineUsage());
         return 0;
@@ -93,12 +87,16 @@ int main(int argc, char* argv[])
                                 "use -nw for an unattended run.\n"));
         return 1;
     }
+    return std::nullopt;
+}
 
+// The application font, the splash screen, and the names the settings are kept under.
+void setUpApplication(SplashScreen& splash)
+{
     QFont font = QApplication::font();
     font.setPointSizeF(8.5);
     QApplication::setFont(font);
 
-    SplashScreen splash;
     splash.show();
     QTimer::singleShot(1500, &splash, &SplashScreen::killSplash);
     QCoreApplication::processEvents();
@@ -106,6 +104,40 @@ int main(int argc, char* argv[])
     QCoreApplication::setOrganizationName(QStringLiteral("Vorlux"));
     QCoreApplication::setOrganizationDomain(QStringLiteral("vorlux.invalid"));
     QCoreApplication::setApplicationName(QStringLiteral("Runplan"));
+}
+
+// An unattended run ends when its commands are done (the closing splash must not end it); a
+// window at the desktop when the last window closes.
+void connectTheEnd(QApplication& app, Runplan& window)
+{
+    if (window.isRunningBatchCommands()) {
+        app.setQuitOnLastWindowClosed(false);
+        QObject::connect(&window, &Runplan::commandsDone, &app, &QCoreApplication::quit);
+        QObject::connect(&window, &Runplan::batchFinished, &app,
+                         [](int status) { QCoreApplication::exit(status); });
+    } else {
+        QObject::connect(&app, &QGuiApplication::lastWindowClosed, &app, &QCoreApplication::quit);
+    }
+}
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const bool noScreen = drawOffScreenWithoutDisplay();
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QT_WARNING_POP
+    QApplication app(argc, argv);
+
+    // The command line is read once, here, after Qt has taken out its own options ("-platform",
+    // "-style", ...): "runplan -platform offscreen -nw ..." is as unattended as "runplan -nw ...".
+    const CommandLineOptions options = parseCommandLine(QCoreApplication::arguments().mid(1));
+    if (const std::optional<int> status = answeredBeforeWindow(options, noScreen))
+        return *status;
+
+    SplashScreen splash;
+    setUpApplication(splash);
 
     // Messages become message boxes at the desktop; unattended they go to standard error, so
     // nothing ever waits for a click. Chosen before the catalog loads.
@@ -115,23 +147,13 @@ int main(int argc, char* argv[])
 
     Runplan window;
     QCoreApplication::processEvents();
-
     const bool opened = window.processCommandLine(options);
     if (options.report) {
         const int status = printReport(window, opened, options.projectFile);
         Reporter::setGlobal(nullptr);
         return status;
     }
-    if (window.isRunningBatchCommands()) {
-        // The closing splash must not end the run; the commands do.
-        app.setQuitOnLastWindowClosed(false);
-        QObject::connect(&window, &Runplan::commandsDone, &app, &QCoreApplication::quit);
-        QObject::connect(&window, &Runplan::batchFinished, &app,
-                         [](int status) { QCoreApplication::exit(status); });
-    } else {
-        QObject::connect(&app, &QGuiApplication::lastWindowClosed, &app, &QCoreApplication::quit);
-    }
-
+    connectTheEnd(app, window);
     window.show();
     // Only a person can answer whether to recover what a crashed run left behind.
     if (!options.unattended)
