@@ -22,6 +22,7 @@ struct CircuitInputs {
     QString controller;
     const DLPowerSupply* enabler = nullptr;
     const DLFixture* selectedFixture = nullptr;
+    bool componentFigures = true; // also work out the figures at every component
 
     double deratedLoad() const { return 0.8 * maxCircuitLoad; }
 };
@@ -32,6 +33,72 @@ CircuitInputs inputsFromHeader(const HeaderChoices& header, const Database& db);
 struct TooLongRun {
     const CWidget* end = nullptr;
     double length = 0.0;
+};
+
+// The limits a run is checked against, in the order of the per-run checks.
+enum RunLimitKind {
+    LimitFixtureCount,
+    LimitLength,    // the fixture type's maximum length
+    LimitRunLength, // the per-run length of the first receiver met, else of the enabler
+    LimitVoltageDrop,
+    LimitDropShare, // a fraction of the line voltage
+    LimitPower,
+    LimitCurrent,
+    LimitMinimumVoltage,
+    RunLimitKinds
+};
+
+// The limits of one run, gathered over its fixtures. A limit that no fixture of the run (nor its
+// receiver or enabler) sets keeps its start value and is not marked in `applied`.
+struct RunLimitValues {
+    double maxLength = 100000.0;
+    double maxVoltageDrop = 100.0;
+    double maxShare = 100.0;
+    double maxPower = 10000.0;
+    double maxCurrent = 1000.0;
+    double minVoltage = 0.0;
+    double runLength = 0.0; // the per-run length limit
+    int maxFixtures = 0;
+    int outputMode = 0;
+    unsigned applied = 0; // one bit per RunLimitKind that the run is checked against
+
+    bool applies(RunLimitKind kind) const { return (applied & (1u << kind)) != 0; }
+    // The limit as the check compares it (the share in volts at the given line voltage).
+    double value(RunLimitKind kind, double lineVoltage) const;
+};
+
+// The translated name of a limit, for tooltips and the report ("voltage drop").
+QString runLimitName(RunLimitKind kind);
+// How the limit reads with its unit ("50 V", "0.1 of the line voltage").
+QString runLimitText(RunLimitKind kind, const RunLimitValues& limits);
+
+// How much of one limit a figure takes: 1 is at the limit, above 1 over it.
+struct LimitUse {
+    RunLimitKind kind = LimitLength;
+    double figure = 0.0; // the component's figure that the limit is compared with
+    double limit = 0.0;
+    double use = 0.0;
+};
+
+// The figures at one placed component, from the worst run through it (the run with the largest
+// voltage drop from the enabler to the component). The voltage at a component is the line voltage
+// less the drop of every component from the enabler down to and including it, so at a run's end it
+// is the line voltage less the run's whole voltage drop.
+struct ComponentFigures {
+    const CWidget* widget = nullptr;
+    const CWidget* runEnd = nullptr; // end component of the worst run through it
+    int runIndex = -1;               // that run's index in AnalysisResult::runs
+    int runCount = 0;                // runs that pass the component
+    double voltage = 0.0;            // V available at the component
+    double drop = 0.0;               // V dropped from the enabler to it
+    double dropPercent = 0.0;        // the drop in % of the line voltage
+    double current = 0.0;            // A: the run's accumulated current at the component
+    double power = 0.0;              // W: the run's power at and below the component
+    double length = 0.0;             // ft: the run's length at and below the component
+    int fixtures = 0;                // the run's fixtures at and below the component
+    double minVoltage = 0.0;         // the run's minimum voltage, 0 when it has none
+    int nearestCount = 0;
+    LimitUse nearest[2]; // the limits the component is nearest to, nearest first
 };
 
 // The figures of one run, from its end component up to the enabler.
@@ -46,6 +113,9 @@ struct RunFigures {
     int runVoltage = 0;       // the available voltage handed over at the enabler, truncated
     int maxFixtures = 0;      // the weighted maximum count; 0 when the count is not checked
     bool faulty = false;      // a per-run check failed
+    bool tooLong = false;     // longer than its per-run length limit
+    RunLimitValues limits;
+    QString messages; // the failed checks' texts, each starting with a line break
 };
 
 // Everything one analysis found: totals, the report texts and the components over their limits.
@@ -69,6 +139,9 @@ struct AnalysisResult {
     QList<QPair<const CWidget*, double>> receiverLengths; // Feedwise receivers, in tree order
     QHash<const CWidget*, double> dynaLineLengths;        // the figure shown by supplies and receivers
     QList<RunFigures> runs;                               // one per end component, in leaf order
+    QList<ComponentFigures> components;                   // every component a run passes, depth first
+    QHash<const CWidget*, qsizetype> componentIndex;
+    const ComponentFigures* figuresAt(const CWidget* w) const;
 
     // Feedwise branch wiring (display only)
     bool feedwiseEnabled = false; // the root supply is on the Feedwise side
