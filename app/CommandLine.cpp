@@ -40,6 +40,10 @@ CommandLineOptions parseCommandLine(const QStringList& arguments)
             options.version = true;
         } else if (arg == QLatin1String("--report")) {
             options.report = true;
+        } else if (arg == QLatin1String("--export-report")) {
+            takeValue(&options.exportReportFile);
+        } else if (arg == QLatin1String("--export-bom")) {
+            takeValue(&options.exportBomFile);
         }
         // Anything else with a "-" is skipped.
     }
@@ -67,10 +71,15 @@ QString commandLineUsage()
         "                             standard error and the program ends when done\n"
         "  --report                   with -nw and a project file: print the analysis of the\n"
         "                             project to standard output\n"
+        "  --export-report FILE       with -nw and a project file: write the project's design\n"
+        "                             report to the PDF file FILE\n"
+        "  --export-bom FILE          with -nw and a project file: write the project's bill of\n"
+        "                             materials to the CSV file FILE\n"
         "  --help                     show this text\n"
         "  --version                  show the version\n"
         "\n"
-        "Exit status: 0 when done; with --report 2 when the project fails a check;\n"
+        "Exit status: 0 when done; with --report, --export-report or --export-bom 2 when\n"
+        "the project fails a check (the files are written);\n"
         "1 when a file cannot be read or written or the catalog is not valid.\n");
 }
 

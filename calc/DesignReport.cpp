@@ -191,6 +191,44 @@ QString componentLabel(const CWidget* w, const CWidget* root)
     return label;
 }
 
+QString figuresText(const ComponentFigures& f, const CWidget* root)
+{
+    QStringList lines;
+    QString voltage = tr("Voltage: %1 V").arg(formatNumber(f.voltage));
+    if (f.minVoltage > 0.0)
+        voltage += tr(" (minimum %1 V)").arg(formatNumber(f.minVoltage));
+    lines.append(voltage);
+    lines.append(tr("Drop from the enabler: %1 V (%2 % of the line voltage)")
+                     .arg(formatNumber(f.drop), formatNumber(f.dropPercent)));
+    lines.append(tr("Current: %1 A").arg(formatNumber(f.current)));
+    lines.append(tr("Power at and below: %1 W").arg(formatNumber(f.power)));
+    QStringList nearest;
+    for (int i = 0; i < f.nearestCount; ++i) {
+        const LimitUse& use = f.nearest[i];
+        nearest.append(tr("%1 %2 of %3 (%4 %)")
+                           .arg(runLimitName(use.kind), formatNumber(use.figure), formatNumber(use.limit),
+                                formatNumber(use.use * 100.0)));
+    }
+    if (!nearest.isEmpty())
+        lines.append(tr("Nearest limits: %1").arg(nearest.join(QStringLiteral(", "))));
+    if (f.runCount > 1)
+        lines.append(tr("Worst of the %1 runs through it: the run ending at %2")
+                         .arg(f.runCount)
+                         .arg(componentLabel(f.runEnd, root)));
+    else
+        lines.append(tr("Run ending at %1").arg(componentLabel(f.runEnd, root)));
+    return lines.join(QLatin1Char('\n'));
+}
+
+Margin voltageMargin(const ComponentFigures& f)
+{
+    if (f.minVoltage <= 0.0)
+        return Margin::Good;
+    if (f.voltage < f.minVoltage)
+        return Margin::Below;
+    return f.voltage < f.minVoltage * 1.1 ? Margin::Near : Margin::Good;
+}
+
 Content build(const Source& source, const CircuitInputs& inputs, const AnalysisResult& result,
               const CWidget* root, const Database& db)
 {

@@ -76,6 +76,13 @@ struct Source {
 // A component as the report names it: "Fixture #2 (Plain)", numbered depth first among its kind.
 QString componentLabel(const CWidget* w, const CWidget* root);
 
+// The figures at a component as its canvas tooltip shows them, one per line.
+QString figuresText(const ComponentFigures& figures, const CWidget* root);
+
+// The overlay colour class of a component's voltage against its run's minimum voltage.
+enum class Margin { Good, Near, Below };
+Margin voltageMargin(const ComponentFigures& figures); // Near: within 10 % above the minimum
+
 Content build(const Source& source, const CircuitInputs& inputs, const AnalysisResult& result,
               const CWidget* root, const Database& db);
 
