@@ -601,7 +601,8 @@ void TestAnalysis::componentFiguresByHand()
         for (const Expected& e : expected) {
             const ComponentFigures* f = r.figuresAt(e.w);
             QVERIFY2(f, qPrintable(e.w->name()));
-            QVERIFY2(std::abs(f->voltage - e.voltage) < 1e-9, qPrintable(QString::number(f->voltage, 'g', 12)));
+            QVERIFY2(std::abs(f->voltage - e.voltage) < 1e-9,
+                     qPrintable(QString::number(f->voltage, 'g', 12)));
             QVERIFY(std::abs(f->drop - (120.0 - e.voltage)) < 1e-9);
             QVERIFY(std::abs(f->dropPercent - (120.0 - e.voltage) / 1.2) < 1e-9);
             QVERIFY2(std::abs(f->current - e.current) < 1e-12, qPrintable(e.w->name()));

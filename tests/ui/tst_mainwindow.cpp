@@ -5,6 +5,7 @@
 #include "app/Prompter.h"
 #include "app/Runplan.h"
 #include "calc/Session.h"
+#include "canvas/CFrame.h"
 #include "catalog/Database.h"
 #include "model/CWidget.h"
 #include "model/ConfigDocument.h"
@@ -36,7 +37,8 @@ public:
     QStringList lastArgs; // the texts shown with the last one
     QStringList unexpected;
 
-    QString getOpenFileName(QWidget*, const QString& caption, const QString& dir, const QString& filter) override
+    QString getOpenFileName(QWidget*, const QString& caption, const QString& dir,
+                            const QString& filter) override
     {
         return take("open", openAnswers, {caption, dir, filter});
     }
@@ -50,9 +52,15 @@ public:
     {
         return take("saveChanges", saveChangesAnswers, {displayName}, SaveChoice::Cancel);
     }
-    bool askReplace(QWidget*, const QString& filePath) override { return take("replace", replaceAnswers, {filePath}); }
+    bool askReplace(QWidget*, const QString& filePath) override
+    {
+        return take("replace", replaceAnswers, {filePath});
+    }
     bool confirmDelete(QWidget*) override { return take("delete", m_none); }
-    int execDialog(QDialog*) override { return take("dialog", m_none) ? QDialog::Accepted : QDialog::Rejected; }
+    int execDialog(QDialog*) override
+    {
+        return take("dialog", m_none) ? QDialog::Accepted : QDialog::Rejected;
+    }
 
 private:
     template <typename T>
@@ -86,6 +94,7 @@ private slots:
     void saveAsNamesAndReplaces();
     void newAndOpenAskAboutUnsavedChanges();
     void maximizeAndExportMatchTheEngine();
+    void designExportsAndShowVoltages();
 
 private:
     // The window's widgets, found by their object names.
@@ -98,7 +107,10 @@ private:
     }
     void click(const char* button) { QTest::mouseClick(find<QPushButton>(button), Qt::LeftButton); }
     ConfigDocument* doc() const { return m_window->document(); }
-    int comboIndex(const char* combo, const QString& text) const { return find<QComboBox>(combo)->findText(text); }
+    int comboIndex(const char* combo, const QString& text) const
+    {
+        return find<QComboBox>(combo)->findText(text);
+    }
     QString fileText(const QString& path) const
     {
         QFile file(path);
@@ -146,19 +158,45 @@ void TestMainWindow::addButtonsFollowTheSelection_data()
     QTest::addColumn<QString>("leftAlone");
     QTest::addColumn<QString>("enabled");
 
-    QTest::newRow("empty Dynaline enabler") << "root" << "jumper" << "fixture leader box maximize";
-    QTest::newRow("enabler with a child") << "fixture root" << "jumper receiver" << "";
-    QTest::newRow("fixture") << "fixture" << "receiver" << "fixture jumper maximize";
-    QTest::newRow("jumper") << "fixture jumper" << "jumper receiver" << "fixture maximize";
-    QTest::newRow("fixture with its jumper") << "fixture jumper parent" << "receiver" << "";
-    QTest::newRow("Dynaline junction box") << "box" << "jumper" << "fixture leader box enabler maximize";
-    QTest::newRow("Dynaline branch wire") << "box delete" << "jumper receiver" << "box maximize";
-    QTest::newRow("Feedwise enabler") << "feedwise" << "jumper" << "fixture receiver box enabler maximize";
-    QTest::newRow("Feedwise enabler, family 1") << "feedwise family1" << "jumper" << "receiver box enabler";
-    QTest::newRow("Feedwise branch wire") << "feedwise box delete" << "jumper" << "receiver box enabler maximize";
-    QTest::newRow("receiver") << "feedwise receiver" << "jumper" << "fixture leader receiver box maximize";
-    QTest::newRow("Feedwise wire with a receiver") << "feedwise receiver parent" << "jumper receiver" << "";
-    QTest::newRow("nothing selected") << "fixture nothing" << "" << "";
+    QTest::newRow("empty Dynaline enabler") << "root"
+                                            << "jumper"
+                                            << "fixture leader box maximize";
+    QTest::newRow("enabler with a child") << "fixture root"
+                                          << "jumper receiver"
+                                          << "";
+    QTest::newRow("fixture") << "fixture"
+                             << "receiver"
+                             << "fixture jumper maximize";
+    QTest::newRow("jumper") << "fixture jumper"
+                            << "jumper receiver"
+                            << "fixture maximize";
+    QTest::newRow("fixture with its jumper") << "fixture jumper parent"
+                                             << "receiver"
+                                             << "";
+    QTest::newRow("Dynaline junction box") << "box"
+                                           << "jumper"
+                                           << "fixture leader box enabler maximize";
+    QTest::newRow("Dynaline branch wire") << "box delete"
+                                          << "jumper receiver"
+                                          << "box maximize";
+    QTest::newRow("Feedwise enabler") << "feedwise"
+                                      << "jumper"
+                                      << "fixture receiver box enabler maximize";
+    QTest::newRow("Feedwise enabler, family 1") << "feedwise family1"
+                                                << "jumper"
+                                                << "receiver box enabler";
+    QTest::newRow("Feedwise branch wire") << "feedwise box delete"
+                                          << "jumper"
+                                          << "receiver box enabler maximize";
+    QTest::newRow("receiver") << "feedwise receiver"
+                              << "jumper"
+                              << "fixture leader receiver box maximize";
+    QTest::newRow("Feedwise wire with a receiver") << "feedwise receiver parent"
+                                                   << "jumper receiver"
+                                                   << "";
+    QTest::newRow("nothing selected") << "fixture nothing"
+                                      << ""
+                                      << "";
 }
 
 void TestMainWindow::addButtonsFollowTheSelection()
@@ -169,8 +207,9 @@ void TestMainWindow::addButtonsFollowTheSelection()
 
     for (const QString& step : steps.split(' ')) {
         if (step == "fixture" || step == "jumper" || step == "box")
-            click(step == "fixture" ? "m_DL_AddFixture_Button"
-                                    : step == "jumper" ? "m_DL_AddJumper_Button" : "m_DL_AddJunctionBox_Button");
+            click(step == "fixture"  ? "m_DL_AddFixture_Button"
+                  : step == "jumper" ? "m_DL_AddJumper_Button"
+                                     : "m_DL_AddJunctionBox_Button");
         else if (step == "receiver")
             m_window->on_m_DL_AddReceiver_Button_clicked();
         else if (step == "parent")
@@ -191,9 +230,9 @@ void TestMainWindow::addButtonsFollowTheSelection()
     }
     QStringList on;
     const std::pair<const char*, const char*> buttons[] = {
-        {"fixture", "m_DL_AddFixture_Button"},   {"jumper", "m_DL_AddJumper_Button"},
-        {"leader", "m_DL_AddLeader_Button"},     {"receiver", "m_DL_AddReceiver_Button"},
-        {"box", "m_DL_AddJunctionBox_Button"},   {"enabler", "m_DL_AddSupply_Button"},
+        {"fixture", "m_DL_AddFixture_Button"}, {"jumper", "m_DL_AddJumper_Button"},
+        {"leader", "m_DL_AddLeader_Button"},   {"receiver", "m_DL_AddReceiver_Button"},
+        {"box", "m_DL_AddJunctionBox_Button"}, {"enabler", "m_DL_AddSupply_Button"},
         {"maximize", "m_DL_Maximize_Button"}};
     for (const auto& [label, name] : buttons)
         if (find<QPushButton>(name)->isEnabled() && !leftAlone.split(' ').contains(QLatin1String(label)))
@@ -295,7 +334,8 @@ void TestMainWindow::customVoltageAndLoad()
     QCOMPARE(m_window->customLineVoltage(), 230);
 
     // "Other" survives a change of fixture.
-    find<QComboBox>("m_DLFixture_Combo")->setCurrentIndex(comboIndex("m_DLFixture_Combo", "Linea Cove Dynaline 2ft"));
+    find<QComboBox>("m_DLFixture_Combo")
+        ->setCurrentIndex(comboIndex("m_DLFixture_Combo", "Linea Cove Dynaline 2ft"));
     QCOMPARE(volts->currentText(), QStringLiteral("Other"));
     QVERIFY(!voltSpin->isHidden());
     volts->setCurrentIndex(volts->findText(QStringLiteral("100")));
@@ -324,8 +364,8 @@ void TestMainWindow::saveAsNamesAndReplaces()
     // A bare name gets the extension; the window and its actions take the file's name.
     m_prompter->saveAnswers << plan;
     find<QAction>("actionSaveAs")->trigger();
-    QCOMPARE(m_prompter->lastArgs, (QStringList{"Save Configuration",
-                                                QDir(QDir::homePath()).filePath("Untitled.rpproj"), filter}));
+    QCOMPARE(m_prompter->lastArgs,
+             (QStringList{"Save Configuration", QDir(QDir::homePath()).filePath("Untitled.rpproj"), filter}));
     QVERIFY(!doc()->isModified());
     QCOMPARE(m_window->currentFilePath(), plan + ".rpproj");
     QVERIFY(m_window->windowTitle().startsWith(QStringLiteral("plan.rpproj[*] - Runplan Release 3.17.0")));
@@ -387,7 +427,8 @@ void TestMainWindow::newAndOpenAskAboutUnsavedChanges()
     m_prompter->openAnswers << saved;
     find<QAction>("actionOpen")->trigger();
     QCOMPARE(m_prompter->lastArgs.value(0), QStringLiteral("Open Configuration"));
-    QCOMPARE(m_prompter->lastArgs.value(2), QStringLiteral("Configuration Files (*.rpproj);;All Files (*.* *)"));
+    QCOMPARE(m_prompter->lastArgs.value(2),
+             QStringLiteral("Configuration Files (*.rpproj);;All Files (*.* *)"));
     QCOMPARE(doc()->count(ItemFixture), 2);
     QCOMPARE(volts->currentText(), QStringLiteral("100"));
     QCOMPARE(m_window->currentFilePath(), saved);
@@ -410,7 +451,8 @@ void TestMainWindow::newAndOpenAskAboutUnsavedChanges()
     m_prompter->saveAnswers << third;
     m_prompter->openAnswers << QString();
     find<QAction>("actionOpen")->trigger();
-    QCOMPARE(m_prompter->asked.mid(m_prompter->asked.size() - 3), (QStringList{"saveChanges", "save", "open"}));
+    QCOMPARE(m_prompter->asked.mid(m_prompter->asked.size() - 3),
+             (QStringList{"saveChanges", "save", "open"}));
     QVERIFY(QFile::exists(third + ".rpproj"));
     QCOMPARE(m_window->currentFilePath(), third + ".rpproj");
     QCOMPARE(doc()->count(ItemFixture), 1);
@@ -444,7 +486,8 @@ void TestMainWindow::maximizeAndExportMatchTheEngine()
     const QString chosen = m_dir->filePath("fixture.csv");
     m_prompter->saveAnswers << chosen << QString();
     find<QAction>("actionMaximizeFixture")->trigger();
-    QCOMPARE(m_prompter->lastArgs, (QStringList{"Select file", "data.csv", "CSV File (*.csv);; All Files (*.*)"}));
+    QCOMPARE(m_prompter->lastArgs,
+             (QStringList{"Select file", "data.csv", "CSV File (*.csv);; All Files (*.*)"}));
     QBuffer expected;
     expected.open(QIODevice::WriteOnly);
     Session fresh(*Database::instance());
@@ -457,3 +500,36 @@ void TestMainWindow::maximizeAndExportMatchTheEngine()
 
 QTEST_MAIN(TestMainWindow)
 #include "tst_mainwindow.moc"
+
+// File › "Export Report..." and "Export Bill of Materials..." write what the user names; View ›
+// "Show Voltages" is off until chosen, and then remembered.
+void TestMainWindow::designExportsAndShowVoltages()
+{
+    auto* show = find<QAction>("actionShowVoltages");
+    auto* canvas = find<CFrame>("m_DL_Frame");
+    QVERIFY(show->isCheckable() && !show->isChecked());
+    QVERIFY(!canvas->showsVoltages());
+    show->trigger();
+    QVERIFY(canvas->showsVoltages());
+    {
+        Runplan again;
+        QVERIFY(again.findChild<QAction*>(QStringLiteral("actionShowVoltages"))->isChecked());
+        QVERIFY(again.findChild<CFrame*>(QStringLiteral("m_DL_Frame"))->showsVoltages());
+    }
+    show->trigger();
+    QVERIFY(!QSettings().value(QStringLiteral("rplan_show_voltages")).toBool());
+
+    const QString csv = m_dir->filePath(QStringLiteral("parts.csv"));
+    const QString pdf = m_dir->filePath(QStringLiteral("plan.pdf"));
+    m_prompter->saveAnswers = {csv, pdf, QString()};
+    find<QAction>("actionExportBillOfMaterials")->trigger();
+    QVERIFY(m_prompter->lastArgs.value(1).endsWith(QStringLiteral("untitled.csv")));
+    QVERIFY(fileText(csv).startsWith(QStringLiteral("Kind,Catalog Name,Type,Gauge,Location,Quantity,Total "
+                                                    "Length (ft)\r\nEnabler,")));
+    find<QAction>("actionExportReport")->trigger();
+    QFile report(pdf);
+    QVERIFY(report.open(QIODevice::ReadOnly));
+    QVERIFY(report.read(5) == "%PDF-");
+    find<QAction>("actionExportReport")->trigger(); // cancelled: nothing written
+    QCOMPARE(m_prompter->asked, (QStringList{"save", "save", "save"}));
+}
