@@ -131,15 +131,6 @@ struct PathStep {
     int fixtures = 0;
 };
 
-// The worst run through a component so far.
-struct NodeFigures {
-    int run = -1;
-    int runs = 0;
-    double drop = 0.0;
-    double runDrop = 0.0;
-    PathStep step;
-};
-
 class Analyzer
 {
 public:
@@ -160,16 +151,15 @@ private:
     void countOnce(int i, const Node& n, double ownPower, double term);
     bool endsRun(const Node& n) const;
     void runLengthRule(int leaf, const RunWalk& w, RunFigures& run);
-    QString fixtureCountRule(const RunFigures& run) const;
-    QString lengthRule(const RunFigures& run) const;
-    QString voltageDropRule(const RunFigures& run) const;
-    QString dropShareRule(const RunFigures& run) const;
-    QString powerRule(const RunFigures& run) const;
-    QString currentRule(const RunFigures& run) const;
-    QString minimumVoltageRule(const RunFigures& run) const;
+    void fixtureCountRule(RunFigures& run) const;
+    void lengthRule(RunFigures& run) const;
+    void voltageDropRule(RunFigures& run) const;
+    void dropShareRule(RunFigures& run) const;
+    void powerRule(RunFigures& run) const;
+    void currentRule(RunFigures& run) const;
+    void minimumVoltageRule(RunFigures& run) const;
     void checkRun(RunFigures& run);
     void recordFigures(const RunWalk& w, int runIndex);
-    void componentFigures();
     int weightedMaximum(int fixtures, int runVoltage);
     void subtreeFigures();
     void circuitChecks();
@@ -185,7 +175,7 @@ private:
     std::vector<char> m_counted;
     std::vector<int> m_touched;
     std::vector<PathStep> m_path;         // the run being walked, for the component figures
-    std::vector<NodeFigures> m_figures;   // the worst run through each component so far
+    ComponentRecord* m_records = nullptr; // the worst run through each component so far
     std::vector<int> m_tooLongEnds;       // node of each too-long run's end
     std::vector<int> m_feedwiseReceivers; // node of each entry of the receiver lengths
     const VxItem* m_lastFixtureItem = nullptr;
@@ -485,89 +475,84 @@ void Analyzer::runLengthRule(int leaf, const RunWalk& w, RunFigures& run)
     }
 }
 
-QString Analyzer::fixtureCountRule(const RunFigures& run) const
+void Analyzer::fixtureCountRule(RunFigures& run) const
 {
     if (run.maxFixtures >= 1 && run.fixtures > run.maxFixtures)
-        return QCoreApplication::translate(
-                   "Analysis",
-                   "\nFixture count in current run (%1) exceeded the fixture type's maximum (%2).")
-            .arg(run.fixtures)
-            .arg(run.maxFixtures);
-    return QString();
+        run.messages +=
+            QCoreApplication::translate(
+                "Analysis", "\nFixture count in current run (%1) exceeded the fixture type's maximum (%2).")
+                .arg(run.fixtures)
+                .arg(run.maxFixtures);
 }
 
-QString Analyzer::lengthRule(const RunFigures& run) const
+void Analyzer::lengthRule(RunFigures& run) const
 {
     if (run.length > run.limits.maxLength)
-        return QCoreApplication::translate("Analysis",
-                                           "\nTotal length exceeds the fixture type's maximum of %1 ft.")
-            .arg(formatNumber(run.limits.maxLength));
-    return QString();
+        run.messages += QCoreApplication::translate(
+                            "Analysis", "\nTotal length exceeds the fixture type's maximum of %1 ft.")
+                            .arg(formatNumber(run.limits.maxLength));
 }
 
 // A maximum drop of 0 switches the check off.
-QString Analyzer::voltageDropRule(const RunFigures& run) const
+void Analyzer::voltageDropRule(RunFigures& run) const
 {
     if (run.limits.maxVoltageDrop > 0.0 && run.voltageDrop > run.limits.maxVoltageDrop)
-        return QCoreApplication::translate(
-                   "Analysis", "\nTotal voltage drop exceeded the fixture type's maximum of %1 volts.")
-            .arg(formatNumber(run.limits.maxVoltageDrop));
-    return QString();
+        run.messages +=
+            QCoreApplication::translate(
+                "Analysis", "\nTotal voltage drop exceeded the fixture type's maximum of %1 volts.")
+                .arg(formatNumber(run.limits.maxVoltageDrop));
 }
 
 // The share is a fraction of the line voltage.
-QString Analyzer::dropShareRule(const RunFigures& run) const
+void Analyzer::dropShareRule(RunFigures& run) const
 {
     const double share = run.limits.maxShare;
     if (share > 0.0 && share < 100.0 && run.voltageDrop > m_in.lineVoltage * share)
-        return QCoreApplication::translate(
-                   "Analysis", "\nVoltage dropped exceeded the fixture type's maximum percentage of %1.")
-            .arg(formatNumber(share));
-    return QString();
+        run.messages +=
+            QCoreApplication::translate(
+                "Analysis", "\nVoltage dropped exceeded the fixture type's maximum percentage of %1.")
+                .arg(formatNumber(share));
 }
 
-QString Analyzer::powerRule(const RunFigures& run) const
+void Analyzer::powerRule(RunFigures& run) const
 {
     if (run.power > run.limits.maxPower)
-        return QCoreApplication::translate("Analysis",
-                                           "\nTotal power exceeded the fixture type's maximum of %1 watts.")
-            .arg(formatNumber(run.limits.maxPower));
-    return QString();
+        run.messages += QCoreApplication::translate(
+                            "Analysis", "\nTotal power exceeded the fixture type's maximum of %1 watts.")
+                            .arg(formatNumber(run.limits.maxPower));
 }
 
-QString Analyzer::currentRule(const RunFigures& run) const
+void Analyzer::currentRule(RunFigures& run) const
 {
     if (run.current > run.limits.maxCurrent)
-        return QCoreApplication::translate("Analysis",
-                                           "\nTotal current exceeded  the fixture type's maximum of %1 amps.")
-            .arg(formatNumber(run.limits.maxCurrent));
-    return QString();
+        run.messages += QCoreApplication::translate(
+                            "Analysis", "\nTotal current exceeded  the fixture type's maximum of %1 amps.")
+                            .arg(formatNumber(run.limits.maxCurrent));
 }
 
 // Measured from the line voltage when the run's output mode is 4, else from the run voltage.
-QString Analyzer::minimumVoltageRule(const RunFigures& run) const
+void Analyzer::minimumVoltageRule(RunFigures& run) const
 {
     if (run.limits.minVoltage == 0.0)
-        return QString();
+        return;
     const double reference =
         run.limits.outputMode == 4 ? m_in.lineVoltage : static_cast<double>(run.runVoltage);
     if (run.limits.minVoltage > reference - run.voltageDrop)
-        return QCoreApplication::translate("Analysis",
-                                           "\nVoltage dropped below the fixture type's minimum of %1 volts.")
-            .arg(formatNumber(run.limits.minVoltage));
-    return QString();
+        run.messages += QCoreApplication::translate(
+                            "Analysis", "\nVoltage dropped below the fixture type's minimum of %1 volts.")
+                            .arg(formatNumber(run.limits.minVoltage));
 }
 
-// The per-run checks in their report order.
+// The per-run checks in their report order; each appends its text to the run's when it fails.
 void Analyzer::checkRun(RunFigures& run)
 {
-    using Rule = QString (Analyzer::*)(const RunFigures&) const;
-    static const Rule rules[] = {&Analyzer::fixtureCountRule,  &Analyzer::lengthRule,
-                                 &Analyzer::voltageDropRule,   &Analyzer::dropShareRule,
-                                 &Analyzer::powerRule,         &Analyzer::currentRule,
-                                 &Analyzer::minimumVoltageRule};
-    for (Rule rule : rules)
-        run.messages += (this->*rule)(run);
+    fixtureCountRule(run);
+    lengthRule(run);
+    voltageDropRule(run);
+    dropShareRule(run);
+    powerRule(run);
+    currentRule(run);
+    minimumVoltageRule(run);
     if (!run.messages.isEmpty()) {
         run.faulty = true;
         m_r.pass = false;
@@ -582,14 +567,17 @@ void Analyzer::checkRun(RunFigures& run)
 void Analyzer::recordFigures(const RunWalk& w, int runIndex)
 {
     for (const PathStep& step : m_path) {
-        NodeFigures& f = m_figures[static_cast<size_t>(step.node)];
-        ++f.runs;
+        ComponentRecord& f = m_records[step.node];
+        ++f.runCount;
         const double drop = w.drop - step.dropBelow;
         if (f.run < 0 || drop > f.drop || (drop == f.drop && w.drop > f.runDrop)) {
             f.run = runIndex;
             f.drop = drop;
             f.runDrop = w.drop;
-            f.step = step;
+            f.current = step.current;
+            f.power = step.power;
+            f.length = step.length;
+            f.fixtures = step.fixtures;
         }
     }
 }
@@ -652,79 +640,52 @@ void Analyzer::walkRun(int leaf)
     checkRun(run);
     if (m_in.componentFigures)
         recordFigures(w, static_cast<int>(m_r.runs.size()));
-    m_r.runs.append(run);
+    m_r.runs.append(std::move(run));
 }
 
-// The figures at every component a run passed, with the limits of its worst run it is nearest to.
-void Analyzer::componentFigures()
+// The limits one run applies, each with its factor: a figure times the factor is the share of
+// the limit it takes (the minimum voltage, a lower bound, keeps its value and divides instead).
+struct AppliedLimits {
+    int count = 0;
+    RunLimitKind kind[RunLimitKinds];
+    double limit[RunLimitKinds];
+    double factor[RunLimitKinds];
+};
+
+AppliedLimits appliedLimits(const RunLimitValues& limits, double lineVoltage)
 {
-    const double line = m_in.lineVoltage;
-    m_r.components.reserve(static_cast<qsizetype>(m_nodes.size()));
-    m_r.componentIndex.reserve(static_cast<qsizetype>(m_nodes.size()));
-    for (size_t i = 0; i < m_nodes.size(); ++i) {
-        const NodeFigures& f = m_figures[i];
-        if (f.run < 0)
+    AppliedLimits a;
+    for (int k = 0; k < RunLimitKinds; ++k) {
+        const auto kind = static_cast<RunLimitKind>(k);
+        if (!limits.applies(kind))
             continue;
-        const RunFigures& run = m_r.runs.at(f.run);
-        ComponentFigures c;
-        c.widget = m_nodes[i].widget;
-        c.runEnd = run.end;
-        c.runIndex = f.run;
-        c.runCount = f.runs;
-        c.drop = f.drop;
-        c.voltage = line - f.drop;
-        c.dropPercent = line != 0.0 ? f.drop / line * 100.0 : 0.0;
-        c.current = f.step.current;
-        c.power = f.step.power;
-        c.length = f.step.length;
-        c.fixtures = f.step.fixtures;
-        const RunLimitValues& limits = run.limits;
-        if (limits.applies(LimitMinimumVoltage))
-            c.minVoltage = limits.minVoltage;
-        for (int k = 0; k < RunLimitKinds; ++k) {
-            const auto kind = static_cast<RunLimitKind>(k);
-            if (!limits.applies(kind))
-                continue;
-            LimitUse use;
-            use.kind = kind;
-            use.limit = limits.value(kind, line);
-            switch (kind) {
-            case LimitFixtureCount:
-                use.figure = c.fixtures;
-                break;
-            case LimitLength:
-            case LimitRunLength:
-                use.figure = c.length;
-                break;
-            case LimitVoltageDrop:
-            case LimitDropShare:
-                use.figure = c.drop;
-                break;
-            case LimitPower:
-                use.figure = c.power;
-                break;
-            case LimitCurrent:
-                use.figure = c.current;
-                break;
-            default:
-                use.figure = c.voltage;
-                break;
-            }
-            if (kind == LimitMinimumVoltage)
-                use.use = use.figure > 0.0 ? use.limit / use.figure : HUGE_VAL;
-            else
-                use.use = use.limit > 0.0 ? use.figure / use.limit : HUGE_VAL;
-            // Keep the two largest uses, the earlier limit first on a tie.
-            if (c.nearestCount < 2) {
-                c.nearest[c.nearestCount++] = use;
-            } else if (use.use > c.nearest[1].use) {
-                c.nearest[1] = use;
-            }
-            if (c.nearestCount == 2 && c.nearest[1].use > c.nearest[0].use)
-                std::swap(c.nearest[0], c.nearest[1]);
-        }
-        m_r.componentIndex.insert(c.widget, m_r.components.size());
-        m_r.components.append(c);
+        const double limit = limits.value(kind, lineVoltage);
+        a.kind[a.count] = kind;
+        a.limit[a.count] = limit;
+        a.factor[a.count] = kind == LimitMinimumVoltage ? limit : (limit > 0.0 ? 1.0 / limit : HUGE_VAL);
+        ++a.count;
+    }
+    return a;
+}
+
+// The component's figure that a limit is compared with.
+double figureFor(RunLimitKind kind, const ComponentFigures& c)
+{
+    switch (kind) {
+    case LimitFixtureCount:
+        return c.fixtures;
+    case LimitLength:
+    case LimitRunLength:
+        return c.length;
+    case LimitVoltageDrop:
+    case LimitDropShare:
+        return c.drop;
+    case LimitPower:
+        return c.power;
+    case LimitCurrent:
+        return c.current;
+    default:
+        return c.voltage;
     }
 }
 
@@ -889,6 +850,7 @@ void Analyzer::report()
 void Analyzer::run(const CWidget* root)
 {
     m_r.deratedLoad = m_in.deratedLoad();
+    m_r.lineVoltage = m_in.lineVoltage;
     m_selectedFamily = m_in.selectedFixture ? m_in.selectedFixture->family : 0;
     m_enablerRecord = m_in.enabler;
     if (!m_enablerRecord && root && root->itemType() == ItemSupply)
@@ -897,8 +859,12 @@ void Analyzer::run(const CWidget* root)
     if (root) {
         collect(root);
         m_counted.assign(m_nodes.size(), 0);
-        if (m_in.componentFigures)
-            m_figures.assign(m_nodes.size(), NodeFigures());
+        if (m_in.componentFigures) {
+            m_r.componentRecords.resize(static_cast<qsizetype>(m_nodes.size()));
+            m_records = m_r.componentRecords.data();
+            for (size_t i = 0; i < m_nodes.size(); ++i)
+                m_records[i].widget = m_nodes[i].widget;
+        }
         for (const Node& n : m_nodes) {
             if (n.kind == ItemFixture)
                 ++m_r.fixtureCount;
@@ -907,11 +873,15 @@ void Analyzer::run(const CWidget* root)
         }
         m_r.feedwiseEnabled = m_nodes.front().kind == ItemSupply && m_nodes.front().locationFeedwise;
 
+        qsizetype leaves = 0;
+        for (const Node& n : m_nodes)
+            leaves += n.childCount == 0 ? 1 : 0;
+        m_r.runs.reserve(leaves);
+        if (m_in.componentFigures)
+            m_path.reserve(m_nodes.size());
         for (size_t i = 0; i < m_nodes.size(); ++i)
             if (m_nodes[i].childCount == 0)
                 walkRun(static_cast<int>(i));
-        if (m_in.componentFigures)
-            componentFigures();
 
         // Supplies below the root draw their own power from the circuit.
         for (size_t i = 1; i < m_nodes.size(); ++i) {
@@ -948,6 +918,56 @@ void Analyzer::run(const CWidget* root)
     circuitChecks();
     m_r.errorMarks.unite(m_r.flagged);
     report();
+}
+
+// The figures at every component a run passed, with the limits of its worst run it is nearest to.
+QList<ComponentFigures> figuresFromRecords(const AnalysisResult& r)
+{
+    const double line = r.lineVoltage;
+    std::vector<AppliedLimits> applied;
+    applied.reserve(static_cast<size_t>(r.runs.size()));
+    for (const RunFigures& run : r.runs)
+        applied.push_back(appliedLimits(run.limits, line));
+    QList<ComponentFigures> components;
+    components.reserve(r.componentRecords.size());
+    for (const ComponentRecord& f : r.componentRecords) {
+        if (f.run < 0)
+            continue;
+        const RunFigures& run = r.runs.at(f.run);
+        ComponentFigures& c = components.emplaceBack();
+        c.widget = f.widget;
+        c.runEnd = run.end;
+        c.runIndex = f.run;
+        c.runCount = f.runCount;
+        c.drop = f.drop;
+        c.voltage = line - f.drop;
+        c.dropPercent = line != 0.0 ? f.drop / line * 100.0 : 0.0;
+        c.current = f.current;
+        c.power = f.power;
+        c.length = f.length;
+        c.fixtures = f.fixtures;
+        if (run.limits.applies(LimitMinimumVoltage))
+            c.minVoltage = run.limits.minVoltage;
+        const AppliedLimits& a = applied[static_cast<size_t>(f.run)];
+        for (int j = 0; j < a.count; ++j) {
+            LimitUse use;
+            use.kind = a.kind[j];
+            use.limit = a.limit[j];
+            use.figure = figureFor(use.kind, c);
+            if (use.kind == LimitMinimumVoltage)
+                use.use = use.figure > 0.0 ? a.factor[j] / use.figure : HUGE_VAL;
+            else
+                use.use = use.figure * a.factor[j];
+            // Keep the two largest uses, the earlier limit first on a tie.
+            if (c.nearestCount < 2)
+                c.nearest[c.nearestCount++] = use;
+            else if (use.use > c.nearest[1].use)
+                c.nearest[1] = use;
+            if (c.nearestCount == 2 && c.nearest[1].use > c.nearest[0].use)
+                std::swap(c.nearest[0], c.nearest[1]);
+        }
+    }
+    return components;
 }
 
 } // namespace
@@ -1077,10 +1097,24 @@ QString runLimitText(RunLimitKind kind, const RunLimitValues& limits)
     }
 }
 
+const QList<ComponentFigures>& AnalysisResult::components() const
+{
+    if (!m_componentsBuilt) {
+        m_components = figuresFromRecords(*this);
+        m_componentIndex.clear();
+        m_componentIndex.reserve(m_components.size());
+        for (qsizetype i = 0; i < m_components.size(); ++i)
+            m_componentIndex.insert(m_components.at(i).widget, i);
+        m_componentsBuilt = true;
+    }
+    return m_components;
+}
+
 const ComponentFigures* AnalysisResult::figuresAt(const CWidget* w) const
 {
-    const auto found = componentIndex.constFind(w);
-    return found == componentIndex.constEnd() ? nullptr : &components.at(found.value());
+    const QList<ComponentFigures>& all = components();
+    const auto found = m_componentIndex.constFind(w);
+    return found == m_componentIndex.constEnd() ? nullptr : &all.at(found.value());
 }
 
 QString formatNumber(double v)

@@ -101,6 +101,19 @@ struct ComponentFigures {
     LimitUse nearest[2]; // the limits the component is nearest to, nearest first
 };
 
+// What the walk keeps at a component: the worst run through it and that run's figures there.
+struct ComponentRecord {
+    const CWidget* widget = nullptr;
+    int run = -1; // index into AnalysisResult::runs; -1 when no run passes the component
+    int runCount = 0;
+    int fixtures = 0;
+    double drop = 0.0;    // from the enabler to and including the component
+    double runDrop = 0.0; // the worst run's whole drop
+    double current = 0.0;
+    double power = 0.0;
+    double length = 0.0;
+};
+
 // The figures of one run, from its end component up to the enabler.
 struct RunFigures {
     const CWidget* end = nullptr;
@@ -117,6 +130,8 @@ struct RunFigures {
     RunLimitValues limits;
     QString messages; // the failed checks' texts, each starting with a line break
 };
+Q_DECLARE_TYPEINFO(RunFigures, Q_RELOCATABLE_TYPE);
+Q_DECLARE_TYPEINFO(ComponentRecord, Q_PRIMITIVE_TYPE);
 
 // Everything one analysis found: totals, the report texts and the components over their limits.
 struct AnalysisResult {
@@ -139,8 +154,11 @@ struct AnalysisResult {
     QList<QPair<const CWidget*, double>> receiverLengths; // Feedwise receivers, in tree order
     QHash<const CWidget*, double> dynaLineLengths;        // the figure shown by supplies and receivers
     QList<RunFigures> runs;                               // one per end component, in leaf order
-    QList<ComponentFigures> components;                   // every component a run passes, depth first
-    QHash<const CWidget*, qsizetype> componentIndex;
+    double lineVoltage = 0.0;
+    QList<ComponentRecord> componentRecords; // one per component, depth first (empty when not asked for)
+    // The figures at every component a run passes, depth first, and at one component (null when
+    // no run passes it). Worked out from the records on first use: painting asks, Maximize need not.
+    const QList<ComponentFigures>& components() const;
     const ComponentFigures* figuresAt(const CWidget* w) const;
 
     // Feedwise branch wiring (display only)
@@ -168,6 +186,11 @@ struct AnalysisResult {
 
     // The output-log lines in order: the red per-run texts, then the summary (red when failing).
     QList<QPair<QString, bool>> logLines() const;
+
+private:
+    mutable bool m_componentsBuilt = false;
+    mutable QList<ComponentFigures> m_components;
+    mutable QHash<const CWidget*, qsizetype> m_componentIndex;
 };
 
 // Analyses the tree under root (the enabler) against the inputs and the catalog.

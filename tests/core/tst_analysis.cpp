@@ -597,7 +597,7 @@ void TestAnalysis::componentFiguresByHand()
     };
     const auto check = [&](const QList<Expected>& expected) {
         const AnalysisResult& r = h.analyze();
-        QCOMPARE(r.components.size(), expected.size());
+        QCOMPARE(r.components().size(), expected.size());
         for (const Expected& e : expected) {
             const ComponentFigures* f = r.figuresAt(e.w);
             QVERIFY2(f, qPrintable(e.w->name()));
@@ -682,8 +682,8 @@ void TestAnalysis::componentFiguresLeaveOutputsUnchanged()
         const AnalysisResult on = analyze(h.doc().root(), in, h.db);
         in.componentFigures = false;
         const AnalysisResult off = analyze(h.doc().root(), in, h.db);
-        QVERIFY(!on.components.isEmpty());
-        QVERIFY(off.components.isEmpty());
+        QVERIFY(!on.components().isEmpty());
+        QVERIFY(off.components().isEmpty());
         QCOMPARE(on.logLines(), off.logLines());
         QCOMPARE(on.runMessages, off.runMessages);
         QCOMPARE(on.flagged, off.flagged);
