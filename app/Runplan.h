@@ -9,6 +9,7 @@
 #include <QMainWindow>
 #include <QModelIndex>
 #include <QPointer>
+#include <QTextCursor>
 #include <memory>
 
 namespace Ui
@@ -72,7 +73,6 @@ public:
 
     // The command-line step: applies the options in order through the selectors, opens the
     // project file given last and queues runCommands(). False when that project could not be read.
-    bool processCommandLine(const QStringList& arguments);
     bool processCommandLine(const CommandLineOptions& options);
 
     // Document commands
@@ -82,7 +82,10 @@ public:
     // Asks to save unsaved changes; true when the user cancelled.
     bool offerToSaveIfNeeded();
     bool openProject(const QString& path);
+    // Asks first when the path is that of a project read only in part; false when not saved.
     bool saveProject(const QString& path);
+    // Where and why the project last opened broke off; empty when it was read whole.
+    QString notReadWholeReason() const { return m_notReadWholeReason; }
 
     // Selectors
     DLPowerSupply* currentSupplyRecord() const;
@@ -200,6 +203,7 @@ private:
     class WindowReporter;
     // Runs the analysis now, whatever suspends the automatic one.
     void runAnalysis();
+    void logResult(const AnalysisResult& result);
     void rebuildVoltageList(const DLFixture* fixture);
     void updateAddButtons(const QModelIndex& index);
     void setFieldColor(QLineEdit* edit, const QColor& color);
@@ -208,6 +212,8 @@ private:
     // The two CSV exports; all: every fixture of the two listed enablers, else the chosen one.
     void runExport(bool all);
     void finishBatch(int exitCode);
+    // Unattended: the window is never shown, so its display is no longer kept up.
+    void holdDisplay();
     void setWindowTitleFor(const QString& path);
 
     Ui::RunplanClass* ui;
@@ -220,8 +226,13 @@ private:
     QPointer<LoadingDialog> m_progressDialog;
 
     QString m_currentFile;
+    // The project opened last when it broke off before its end (absolute path), and why.
+    QString m_notReadWholePath;
+    QString m_notReadWholeReason;
     bool m_interactiveChange = true;
     bool m_runningBatchCommands = false;
+    bool m_displayHeld = false;
+    QTextCursor m_heldLogEdit;
     bool m_exportRunning = false;
     bool m_maximizeAllRequested = false;
     bool m_maximizeFixtureRequested = false;

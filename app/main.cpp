@@ -28,8 +28,8 @@ void writeErr(const QString& text)
 
 // The analysis of a project as plain text: every line the analysis writes to the output log, in
 // order, and the design report and bill of materials asked for. 0 when it passes every check, 2
-// when it fails one (the files are written), 1 when the project could not be read or a file could
-// not be written.
+// when it fails one (the files are written), 1 when it could not be made (also for a project
+// that was not read whole) or a file could not be written.
 int printReport(Runplan& window, bool opened, const CommandLineOptions& options)
 {
     if (!window.catalog()->isValid()) {
@@ -41,8 +41,15 @@ int printReport(Runplan& window, bool opened, const CommandLineOptions& options)
         writeErr(QStringLiteral("Runplan: --report needs -nw and a project file.\n"));
         return 1;
     }
+    // The reason a project was refused is already on standard error.
     if (!opened)
         return 1;
+    // A report of part of a project would pass or fail a plan nobody drew.
+    if (!window.notReadWholeReason().isEmpty()) {
+        writeErr(QStringLiteral("Runplan: %1 was not read completely: it breaks off at %2.\n")
+                     .arg(options.projectFile, window.notReadWholeReason()));
+        return 1;
+    }
     const AnalysisResult& result = window.lastResult();
     if (options.report)
         for (const auto& line : result.logLines())
@@ -64,10 +71,22 @@ int printReport(Runplan& window, bool opened, const CommandLineOptions& options)
 
 int main(int argc, char* argv[])
 {
-    QStringList rawArguments;
-    for (int i = 1; i < argc; ++i)
-        rawArguments.append(QString::fromLocal8Bit(argv[i]));
-    const CommandLineOptions options = parseCommandLine(rawArguments);
+    // Without any screen the program draws off screen; a run that wants the window then ends with
+    // a message below instead of failing to start.
+    const bool noScreen = qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
+                          qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+    if (noScreen)
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QT_WARNING_POP
+    QApplication app(argc, argv);
+
+    // The command line is read once, here, after Qt has taken out its own options ("-platform",
+    // "-style", ...): "runplan -platform offscreen -nw ..." is as unattended as "runplan -nw ...".
+    const CommandLineOptions options = parseCommandLine(QCoreApplication::arguments().mid(1));
 
     // Answered before any window exists.
     if (options.help) {
@@ -82,16 +101,11 @@ int main(int argc, char* argv[])
         writeErr(QStringLiteral("Runplan: --report needs -nw and a project file.\n"));
         return 1;
     }
-    // An unattended run needs no screen: without one it draws off screen.
-    if (options.unattended && qEnvironmentVariableIsEmpty("DISPLAY") &&
-        qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED
-    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    QT_WARNING_POP
-    QApplication app(argc, argv);
+    if (noScreen && !options.unattended) {
+        writeErr(QStringLiteral("Runplan: there is no display to show the window on; "
+                                "use -nw for an unattended run.\n"));
+        return 1;
+    }
 
     QFont font = QApplication::font();
     font.setPointSizeF(8.5);
@@ -115,7 +129,7 @@ int main(int argc, char* argv[])
     Runplan window;
     QCoreApplication::processEvents();
 
-    const bool opened = window.processCommandLine(QCoreApplication::arguments());
+    const bool opened = window.processCommandLine(options);
     if (options.report || options.requestsDesignExport()) {
         const int status = printReport(window, opened, options);
         Reporter::setGlobal(nullptr);

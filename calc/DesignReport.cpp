@@ -4,6 +4,7 @@
 #include "catalog/Database.h"
 #include "catalog/Version.h"
 #include "model/CWidget.h"
+#include "model/SafeFile.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -314,17 +315,14 @@ Content build(const Source& source, const CircuitInputs& inputs, const AnalysisR
 
 bool writeFile(const QString& path, const QByteArray& bytes, QString* error)
 {
+    // Opened as binary: PDF bytes and CSV line ends must reach the file as they are.
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
         if (error)
             *error = file.errorString();
         return false;
     }
-    // commit() does not notice a buffered write that fails while it flushes, so everything is
-    // flushed and checked before the old file is replaced.
-    const bool written = file.write(bytes) == bytes.size() && file.flush() &&
-                         file.error() == QFileDevice::NoError && file.commit();
-    if (!written) {
+    if (file.write(bytes) != bytes.size() || !SafeFile::commit(file)) {
         if (error)
             *error = file.errorString();
         file.cancelWriting();

@@ -15,6 +15,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QPrinter>
 #include <QScrollBar>
@@ -51,6 +52,9 @@ CFrame::CFrame(QWidget* parent) : QAbstractItemView(parent), m_delegate(new CFra
     setSelectionMode(QAbstractItemView::SingleSelection);
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    // The canvas moves only where it says so (insertion, deletion, zoom): a click that makes a
+    // component current must not drag the view after it.
+    setAutoScroll(false);
 
     m_lineKey = new QWidget(this);
     Ui::lineKeyUI keyForm;
@@ -192,6 +196,16 @@ void CFrame::updateScrollRanges()
     } else {
         verticalScrollBar()->setRange(0, 0);
     }
+    // A page is what the viewport shows, so PageUp/PageDown and the thumbs match the view.
+    horizontalScrollBar()->setPageStep(qMax(1, viewport()->width()));
+    verticalScrollBar()->setPageStep(qMax(1, viewport()->height()));
+}
+
+void CFrame::showTopLeft()
+{
+    horizontalScrollBar()->setValue(0);
+    verticalScrollBar()->setValue(0);
+    viewport()->update();
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -294,12 +308,15 @@ void CFrame::scrollContentsBy(int dx, int dy)
 
 void CFrame::paintEvent(QPaintEvent* event)
 {
-    Q_UNUSED(event)
     QPainter painter(viewport());
     painter.fillRect(viewport()->rect(), QColor(240, 240, 240));
     painter.scale(m_zoom, m_zoom);
     painter.setRenderHint(QPainter::Antialiasing);
+    // Only what lies in the exposed area is drawn: a large plan is mostly off screen.
+    m_paintArea = QRectF(event->rect()).adjusted(-1, -1, 1, 1);
+    m_paintArea = QRectF(m_paintArea.topLeft() / m_zoom, m_paintArea.bottomRight() / m_zoom);
     paintTree(painter);
+    m_paintArea = QRectF();
 }
 
 void CFrame::paintTree(QPainter& painter)
@@ -327,17 +344,25 @@ void CFrame::paintComponent(QPainter& painter, const CWidget* w, const Layout& l
     option.rect = QRect(QPoint(0, 0), r.size());
     option.state.setFlag(QStyle::State_Selected, w == m_doc->current());
 
-    painter.save();
-    painter.translate(r.topLeft());
-    m_delegate->paint(&painter, option, index);
-    painter.restore();
-    if (m_showVoltages)
+    if (inPaintArea(r)) {
+        painter.save();
+        painter.translate(r.topLeft());
+        m_delegate->paint(&painter, option, index);
+        painter.restore();
+    }
+    // The voltage sits in the gap under the box.
+    if (m_showVoltages && inPaintArea(QRectF(r.left(), r.bottom() + 1, r.width(), 8)))
         paintVoltage(painter, w, r);
 
     for (const CWidget* c : w->children())
         paintComponent(painter, c, layout);
     if (const CWidget* parent = w->parentWidget())
         paintConnector(painter, parent, w, layout);
+}
+
+bool CFrame::inPaintArea(const QRectF& r) const
+{
+    return m_paintArea.isNull() || m_paintArea.intersects(r);
 }
 
 void CFrame::paintConnector(QPainter& painter, const CWidget* parent, const CWidget* child,
@@ -368,6 +393,11 @@ void CFrame::paintConnector(QPainter& painter, const CWidget* parent, const CWid
     const bool parentIsBox = !parent->isCable();
     const bool childIsBox = !child->isCable();
     const bool firstChild = parent->indexOfChild(child) == 0;
+    // A connector stays within its two boxes widened by its bends (at most twice the difference
+    // of their right edges plus 80 to either side).
+    const qreal reach = 2.0 * qAbs(pRight - nRight) + 80.0;
+    if (!inPaintArea(p.united(n).adjusted(-reach, -2.0, reach, 2.0)))
+        return;
 
     painter.save();
     painter.setPen(QPen(colour, 2.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));

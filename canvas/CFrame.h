@@ -33,6 +33,9 @@ public:
     // Number of a component among those of its kind (ItemAny: all), depth first, from 0.
     int numberOf(const CWidget* w, int kind) const;
 
+    // Scrolls back to the drawing's top-left corner (a configuration just opened).
+    void showTopLeft();
+
     // Deletes the current component with its subtree, asking first when it has children.
     void deleteCurrent();
     // Answers the "Delete multiple items" question; tests replace it. Default: a message box.
@@ -93,6 +96,8 @@ private:
     void paintConnector(QPainter& painter, const CWidget* parent, const CWidget* child, const Layout& layout);
     void paintVoltage(QPainter& painter, const CWidget* w, const QRect& box);
     bool showFiguresToolTip(QHelpEvent* event);
+    // True when an unscaled rectangle meets the area being painted (always outside paint events).
+    bool inPaintArea(const QRectF& r) const;
     void placeLineKey();
     void updateScrollRanges();
 
@@ -103,6 +108,7 @@ private:
     double m_lastPrintScale = 0.0;
     const AnalysisResult* m_analysis = nullptr;
     bool m_showVoltages = false;
+    QRectF m_paintArea; // unscaled area of the paint event under way; null: everything
     QWidget* m_lineKey = nullptr;
     class CFrameItemDelegate* m_delegate = nullptr;
 };

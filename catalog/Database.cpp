@@ -2,12 +2,12 @@
 
 #include "catalog/FieldReader.h"
 #include "catalog/Reporter.h"
+#include "catalog/XmlDepth.h"
 
 #include <QCoreApplication>
 #include <QDomDocument>
 #include <QDomNodeList>
 #include <QFile>
-#include <QXmlStreamReader>
 
 using namespace FieldReader;
 
@@ -27,24 +27,11 @@ struct ParseProblem {
 
 bool tooDeep(const QByteArray& bytes, ParseProblem& problem)
 {
-    QXmlStreamReader reader(bytes);
-    int depth = 0;
-    while (!reader.atEnd()) {
-        const auto token = reader.readNext();
-        if (token == QXmlStreamReader::StartElement) {
-            if (++depth > MaxNestingDepth) {
-                problem.message =
-                    QCoreApplication::translate("Database", "elements nested more than %1 levels deep")
-                        .arg(MaxNestingDepth);
-                problem.line = reader.lineNumber();
-                problem.column = reader.columnNumber();
-                return true;
-            }
-        } else if (token == QXmlStreamReader::EndElement) {
-            --depth;
-        }
-    }
-    return false; // any other error is left to the document parser, which reports it
+    if (!XmlDepth::exceeds(bytes, MaxNestingDepth, &problem.line, &problem.column))
+        return false; // any other error is left to the document parser, which reports it
+    problem.message =
+        QCoreApplication::translate("Database", "elements nested more than %1 levels deep").arg(MaxNestingDepth);
+    return true;
 }
 } // namespace
 
@@ -82,6 +69,7 @@ void Database::clear()
     m_junctionBoxes.clear();
     m_branchWires.clear();
     m_locations.clear();
+    m_locationNames.clear();
     m_controllers.clear();
     m_outputModes.clear();
 }
@@ -239,7 +227,10 @@ void Database::readBranchWires(const QDomElement& root, ParseContext& ctx)
         m_branchWires.append(wire);
         forEachListed(we, QStringLiteral("Locations"), QStringLiteral("Location"),
                       [this](const QDomElement& e) {
-                          m_locations.insert(childText(e, QStringLiteral("Name")),
+                          const QString name = childText(e, QStringLiteral("Name"));
+                          if (!m_locations.contains(name))
+                              m_locationNames.append(name);
+                          m_locations.insert(name,
                                              doubleOrZero(e, QStringLiteral("SignalDegradationPerFoot")));
                       });
     }

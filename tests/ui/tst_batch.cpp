@@ -3,6 +3,7 @@
 
 #include "TestSupport.h"
 #include "app/CommandLine.h"
+#include "app/Runplan.h"
 #include "calc/Session.h"
 #include "catalog/Database.h"
 #include "catalog/Reporter.h"
@@ -15,6 +16,7 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextEdit>
 
 namespace
 {
@@ -44,10 +46,14 @@ private slots:
     void invalidCatalogFails();
     void reportPrintsTheAnalysis();
     void nothingToDoEndsAtOnce();
+    void qtOptionsAndDashedNames();
+    void unattendedWindowKeepsItsOutputs();
     void designExports();
 
 private:
-    Run run(const QStringList& arguments, const QString& program = QString());
+    Run run(const QStringList& arguments, const QString& program = QString(), int waitMs = 240000,
+            const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment());
+    QString programWithoutCatalog();
     QByteArray engineExport(bool all, const QString& enabler = QString(), const QString& fixture = QString());
     QByteArray readFile(const QString& path);
 
@@ -75,13 +81,15 @@ void TestBatch::cleanup()
     m_dir = nullptr;
 }
 
-Run TestBatch::run(const QStringList& arguments, const QString& program)
+Run TestBatch::run(const QStringList& arguments, const QString& program, int waitMs,
+                   const QProcessEnvironment& env)
 {
     QProcess process;
     process.setWorkingDirectory(m_dir->path());
+    process.setProcessEnvironment(env);
     process.start(program.isEmpty() ? binDirPath() + "/runplan" : program, arguments);
     Run result;
-    if (!process.waitForStarted() || !process.waitForFinished(240000)) {
+    if (!process.waitForStarted() || !process.waitForFinished(waitMs)) {
         process.kill();
         process.waitForFinished();
         result.crashed = true;
@@ -148,6 +156,19 @@ void TestBatch::parsesTheCommandLine()
     o = parseCommandLine({"-NW", "--Maximize-all", "x"});
     QVERIFY(!o.unattended && !o.maximizeAll);
     QCOMPARE(o.projectFile, QStringLiteral("x"));
+
+    // "--report" takes its project whatever it holds; "--" ends the options and the argument
+    // after it is the project.
+    o = parseCommandLine({"-nw", "--report", "my-plan.rpproj"});
+    QVERIFY(o.unattended && o.report);
+    QCOMPARE(o.projectFile, QStringLiteral("my-plan.rpproj"));
+    o = parseCommandLine({"--", "my-plan.rpproj"});
+    QVERIFY(!o.unattended);
+    QCOMPARE(o.projectFile, QStringLiteral("my-plan.rpproj"));
+    o = parseCommandLine({"-f", "F", "--", "-nw"});
+    QVERIFY(!o.unattended);
+    QCOMPARE(o.selections.size(), 1);
+    QCOMPARE(o.projectFile, QStringLiteral("-nw"));
 }
 
 void TestBatch::helpAndVersion()
@@ -157,9 +178,10 @@ void TestBatch::helpAndVersion()
     QCOMPARE(r.exitCode, 0);
     QVERIFY(r.out.startsWith("Usage: runplan"));
     QVERIFY(r.out.contains("--maximize-all"));
-    QVERIFY(r.out.contains("--report"));
+    QVERIFY(r.out.contains("--report FILE"));
     QVERIFY(r.out.contains("--export-report FILE"));
     QVERIFY(r.out.contains("--export-bom FILE"));
+    QVERIFY(r.out.contains("\n  --  "));
 
     r = run({"--version"});
     QCOMPARE(r.exitCode, 0);
@@ -211,12 +233,19 @@ void TestBatch::unwritableOutputFails()
     QVERIFY(!QFile::exists(m_dir->filePath(blocked)));
 }
 
+// A copy of the program in the working folder, where no catalog lies beside it.
+QString TestBatch::programWithoutCatalog()
+{
+    const QString program = m_dir->filePath("runplan");
+    if (!QFile::exists(program) && QFile::copy(binDirPath() + "/runplan", program))
+        QFile::setPermissions(program, QFile::permissions(program) | QFileDevice::ExeOwner);
+    return program;
+}
+
 void TestBatch::invalidCatalogFails()
 {
     // A copy of the program beside a broken catalog.
-    const QString program = m_dir->filePath("runplan");
-    QVERIFY(QFile::copy(binDirPath() + "/runplan", program));
-    QFile::setPermissions(program, QFile::permissions(program) | QFileDevice::ExeOwner);
+    const QString program = programWithoutCatalog();
     QFile catalog(m_dir->filePath("vx_config_dl.xml"));
     QVERIFY(catalog.open(QIODevice::WriteOnly));
     catalog.write("<not a catalog");
@@ -267,6 +296,24 @@ void TestBatch::reportPrintsTheAnalysis()
     QCOMPARE(missing.exitCode, 1);
     QVERIFY(missing.err.contains("Open Error"));
     QVERIFY(missing.out.isEmpty());
+    // Whatever was not read whole is no report: the reason goes to stderr and the status is 1.
+    const QByteArray sample = readFile(testDataPath("app/sample.rpproj"));
+    const QByteArray deep = "<Runplan>" + QByteArray("<a>").repeated(20000);
+    for (const auto& [bytes, reason] : QList<QPair<QByteArray, QByteArray>>{
+             {sample.left(sample.size() / 2), "was not read completely: it breaks off at line "},
+             {"\xff\xfe<Runplan/>", "not well-formed XML"},
+             {QByteArray("<Runplan>\0</Runplan>", 20), "breaks off at line 1, column 10: "},
+             {"<Runplan a=\"1\" a=\"1\"><CFrame/></Runplan>", "not well-formed XML"},
+             {"<Plan/>", "its root element is \"Plan\""},
+             {deep, "nested more than 10000 levels"}}) {
+        QFile broken(m_dir->filePath("broken.rpproj"));
+        QVERIFY(broken.open(QIODevice::WriteOnly | QIODevice::Truncate) && broken.write(bytes) == bytes.size());
+        broken.close();
+        const Run r = run({"-nw", "--report", "broken.rpproj"});
+        QCOMPARE(r.exitCode, 1);
+        QVERIFY2(r.err.contains("broken.rpproj") && r.err.contains(reason), r.err.constData());
+        QVERIFY(r.out.isEmpty());
+    }
     // Only an unattended run reports.
     QCOMPARE(run({"--report", "sample.rpproj"}).exitCode, 1);
     QCOMPARE(run({"-nw", "--report"}).exitCode, 1);
@@ -281,8 +328,70 @@ void TestBatch::nothingToDoEndsAtOnce()
     QVERIFY(QDir(m_dir->path()).entryList(QDir::Files).isEmpty());
 }
 
-QTEST_MAIN(TestBatch)
-#include "tst_batch.moc"
+void TestBatch::qtOptionsAndDashedNames()
+{
+    // Qt's own options first: the run is still unattended, so a missing catalog or project ends
+    // it with a message on standard error instead of a message box nobody can answer.
+    const int hangMs = 60000;
+    Run r = run({"-platform", "offscreen", "-nw", "--maximize-all", "x.csv"}, programWithoutCatalog(), hangMs);
+    QVERIFY(!r.crashed);
+    QCOMPARE(r.exitCode, 1);
+    QVERIFY2(r.err.contains("Cannot read database file"), r.err.constData());
+    r = run({"-platform", "offscreen", "-nw", "--report", "missing.rpproj"}, QString(), hangMs);
+    QVERIFY(!r.crashed);
+    QCOMPARE(r.exitCode, 1);
+    QVERIFY2(r.err.contains("Open Error"), r.err.constData());
+
+    // A project whose name holds a "-" is analysed.
+    QVERIFY(QFile::copy(testDataPath("app/sample.rpproj"), m_dir->filePath("my-plan.rpproj")));
+    r = run({"-nw", "--report", "my-plan.rpproj"});
+    QCOMPARE(r.exitCode, 0);
+    QVERIFY(r.out.contains("Length = "));
+
+    // Without any display a run that wants the window ends with a message.
+    QProcessEnvironment noDisplay = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        noDisplay.remove(QString::fromLatin1(name));
+    r = run({}, QString(), hangMs, noDisplay);
+    QVERIFY(!r.crashed);
+    QCOMPARE(r.exitCode, 1);
+    QVERIFY2(r.err.contains("no display"), r.err.constData());
+}
+
+void TestBatch::unattendedWindowKeepsItsOutputs()
+{
+    // An unattended window keeps no display up to date; what it logs, analyses and exports is
+    // what a shown window does.
+    QVERIFY(Database::instance()->isValid());
+    CommandLineOptions options;
+    options.selections.append({CommandLineOptions::Selection::PowerSupply, QStringLiteral("Line Voltage")});
+    options.selections.append({CommandLineOptions::Selection::Fixture,
+                               QStringLiteral("Linea Cove Dynaline 4ft (208v - 277v)")});
+    Runplan shown;
+    shown.processCommandLine(options);
+    options.unattended = true;
+    Runplan unattended;
+    unattended.processCommandLine(options);
+    QVERIFY(unattended.isRunningBatchCommands());
+
+    QByteArray csv[2];
+    Runplan* windows[2] = {&shown, &unattended};
+    for (int i = 0; i < 2; ++i) {
+        windows[i]->maximize();
+        QBuffer buffer(&csv[i]);
+        buffer.open(QIODevice::WriteOnly | QIODevice::Text);
+        CsvExport::exportCurrentFixture(buffer, *windows[i]);
+    }
+    QVERIFY(unattended.fixtureCount() > 1);
+    QCOMPARE(unattended.fixtureCount(), shown.fixtureCount());
+    QCOMPARE(unattended.lastResult().logLines(), shown.lastResult().logLines());
+    QCOMPARE(csv[1], csv[0]);
+    QVERIFY(csv[0].contains("Linea Cove"));
+    const QTextEdit* logs[2] = {shown.findChild<QTextEdit*>("m_messageBox"),
+                                unattended.findChild<QTextEdit*>("m_messageBox")};
+    QVERIFY(logs[0]->document()->blockCount() > 10);
+    QCOMPARE(logs[1]->toHtml(), logs[0]->toHtml());
+}
 
 // The design report and the bill of materials of a saved plan, beside the --report lines.
 void TestBatch::designExports()
@@ -336,3 +445,6 @@ void TestBatch::designExports()
           "Inrush current", "Run diagram", "Runs", "Bill of materials", "Page 1 of 3", "Page 3 of 3"})
         QVERIFY2(pages.contains(QLatin1String(expected)), expected);
 }
+
+QTEST_MAIN(TestBatch)
+#include "tst_batch.moc"

@@ -32,8 +32,7 @@ bool colourNear(const QImage& img, QPoint p, const QColor& c, int radius = 1)
 {
     for (int dy = -radius; dy <= radius; ++dy)
         for (int dx = -radius; dx <= radius; ++dx) {
-            const QColor found =
-                img.valid(p + QPoint(dx, dy)) ? img.pixelColor(p + QPoint(dx, dy)) : QColor();
+            const QColor found = img.valid(p + QPoint(dx, dy)) ? img.pixelColor(p + QPoint(dx, dy)) : QColor();
             if (qAbs(found.red() - c.red()) <= 12 && qAbs(found.green() - c.green()) <= 12 &&
                 qAbs(found.blue() - c.blue()) <= 12)
                 return true;
@@ -47,10 +46,8 @@ QString describe(const QImage& img, QPoint p)
 }
 
 // A pixel of (nearly) a colour near a point, or exactly at it.
-#define NEAR_COLOUR(img, point, colour)                                                                      \
-    QVERIFY2(colourNear(img, point, colour), qPrintable(describe(img, point)))
-#define AT_COLOUR(img, point, colour)                                                                        \
-    QVERIFY2(colourNear(img, point, colour, 0), qPrintable(describe(img, point)))
+#define NEAR_COLOUR(img, point, colour) QVERIFY2(colourNear(img, point, colour), qPrintable(describe(img, point)))
+#define AT_COLOUR(img, point, colour) QVERIFY2(colourNear(img, point, colour, 0), qPrintable(describe(img, point)))
 
 // One configuration shown on a canvas.
 struct Canvas {
@@ -92,7 +89,9 @@ private slots:
     void mouseAndKeys();
     void deletion();
     void lineKeyPosition();
+    void scrolling();
     void printing();
+    void paintsOnlyWhatIsShown();
     void voltageOverlayAndTooltip();
 };
 
@@ -151,8 +150,7 @@ void TstCanvas::placement()
         QPoint border;
         QColor colour;
         QPoint outside;
-    } borders[] = {{{10, 104}, QColor(0, 0, 128), {6, 104}},
-                   {{830, 76}, QColor(0, 64, 0), {826, 76}},
+    } borders[] = {{{10, 104}, QColor(0, 0, 128), {6, 104}}, {{830, 76}, QColor(0, 64, 0), {826, 76}},
                    {{350, 34}, QColor(143, 69, 0), {354, 34}}};
     for (const auto& b : borders) {
         AT_COLOUR(img, b.border, b.colour);
@@ -330,6 +328,49 @@ void TstCanvas::lineKeyPosition()
     QCOMPARE(key->geometry().bottomRight(), QPoint(vbarRect.left() - 1, hbarRect.top() - 1));
 }
 
+void TstCanvas::scrolling()
+{
+    // Three columns (10, 420, 830) on a canvas narrower than the scroll extent of 3 x 550.
+    Canvas c(&m_db, QSize(900, 300));
+    c.doc.addSupply(m_feeder);
+    CWidget* box = c.doc.addJunctionBox();
+    QVERIFY(c.doc.addFixture(m_fixture));
+    c.doc.setCurrent(box);
+    QVERIFY(c.doc.addLeader(m_fixture));
+    CWidget* middle = c.doc.addFixture(m_fixture);
+    c.doc.setCurrent(box);
+    QVERIFY(c.doc.addLeader(m_fixture));
+    CWidget* right = c.doc.addFixture(m_fixture);
+    QVERIFY(QTest::qWaitForWindowExposed(&c.frame));
+    QScrollBar* hbar = c.frame.horizontalScrollBar();
+    QScrollBar* vbar = c.frame.verticalScrollBar();
+    QVERIFY(hbar->maximum() > 0);
+    QVERIFY2(hbar->value() > 0, "an insertion scrolls the new component into view");
+
+    // A click selects without moving the view, near the right edge too.
+    c.frame.showTopLeft();
+    QCOMPARE(hbar->value(), 0);
+    const QRect rightBox = c.frame.itemRectOf(right);
+    QVERIFY(rightBox.x() + 400 > c.frame.viewport()->width());
+    QTest::mouseClick(c.frame.viewport(), Qt::LeftButton, {}, c.frame.itemRectOf(middle).center());
+    QCOMPARE(c.doc.current(), middle);
+    QTest::mouseClick(c.frame.viewport(), Qt::LeftButton, {}, rightBox.center());
+    QCOMPARE(c.doc.current(), right);
+    QCOMPARE(hbar->value(), 0);
+    QCOMPARE(vbar->value(), 0);
+
+    // A page is the viewport, also after a resize: paging moves the view by what it shows.
+    for (QSize size : {QSize(900, 300), QSize(700, 200)}) {
+        c.frame.resize(size);
+        QCoreApplication::processEvents();
+        QCOMPARE(hbar->pageStep(), c.frame.viewport()->width());
+        QCOMPARE(vbar->pageStep(), c.frame.viewport()->height());
+    }
+    hbar->setValue(0);
+    hbar->triggerAction(QAbstractSlider::SliderPageStepAdd);
+    QCOMPARE(hbar->value(), c.frame.viewport()->width());
+}
+
 void TstCanvas::printing()
 {
     QTemporaryDir dir;
@@ -340,8 +381,7 @@ void TstCanvas::printing()
         QFile file(printer.outputFileName());
         if (!file.open(QIODevice::ReadOnly))
             return -1;
-        return int(QString::fromLatin1(file.readAll())
-                       .count(QRegularExpression(QStringLiteral("/Type\\s*/Page\\b"))));
+        return int(QString::fromLatin1(file.readAll()).count(QRegularExpression(QStringLiteral("/Type\\s*/Page\\b"))));
     };
 
     // A wide run is scaled down to one page, keeping its proportions.
@@ -371,8 +411,36 @@ void TstCanvas::printing()
     QVERIFY(qFuzzyCompare(1100 * single.frame.lastPrintScale(), big.pageRect(QPrinter::DevicePixel).width()));
 }
 
-QTEST_MAIN(TstCanvas)
-#include "tst_canvas.moc"
+void TstCanvas::paintsOnlyWhatIsShown()
+{
+    // A paint event draws only what meets the viewport: the screen must show exactly what the
+    // whole tree painted at the same scroll position shows, boxes and connectors cut by the
+    // viewport's edges included.
+    Canvas c(&m_db, QSize(700, 260));
+    c.doc.addSupply(m_feeder);
+    CWidget* box = c.doc.addJunctionBox();
+    for (int branch = 0; branch < 4; ++branch) {
+        c.doc.setCurrent(box);
+        QVERIFY(c.doc.addLeader(m_fixture));
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(c.doc.addFixture(m_fixture));
+    }
+    QVERIFY(QTest::qWaitForWindowExposed(&c.frame));
+    for (const QPoint scroll : {QPoint(0, 0), QPoint(470, 90), QPoint(1200, 200)}) {
+        c.frame.horizontalScrollBar()->setValue(scroll.x());
+        c.frame.verticalScrollBar()->setValue(scroll.y());
+        QWidget* viewport = c.frame.viewport();
+        const QImage shown = viewport->grab().toImage().convertToFormat(QImage::Format_RGB32);
+        QImage whole(viewport->size(), QImage::Format_RGB32);
+        whole.fill(Background);
+        QPainter painter(&whole);
+        painter.setRenderHint(QPainter::Antialiasing);
+        c.frame.paintTree(painter);
+        painter.end();
+        QVERIFY(shown != QImage(viewport->size(), QImage::Format_RGB32));
+        QCOMPARE(shown, whole);
+    }
+}
 
 // Off, the figures change nothing in the painting; on, the voltage under each box takes the colour
 // of its margin to the run's minimum. The tooltip adds the figures to the component's own text.
@@ -427,3 +495,6 @@ void TstCanvas::voltageOverlayAndTooltip()
     QVERIFY2(tip.startsWith(own + QStringLiteral("\n\nVoltage: ")), qPrintable(tip));
     QVERIFY(tip.contains(QStringLiteral("Drop from the enabler: ")));
 }
+
+QTEST_MAIN(TstCanvas)
+#include "tst_canvas.moc"
