@@ -65,8 +65,8 @@ struct Node {
     double powerFactor = 1.0;
     const QString* mode = nullptr;     // the effective output mode, by the component's own rule
     const QString* location = nullptr; // the location text, likewise (both held by the tree)
-    bool modeFeedwise = false;     // the effective output mode is "Feedwise"
-    bool locationFeedwise = false; // the location text is "Feedwise"
+    bool modeFeedwise = false;         // the effective output mode is "Feedwise"
+    bool locationFeedwise = false;     // the location text is "Feedwise"
 };
 
 // Narrows the run's limits by one fixture type of the run.
@@ -636,7 +636,8 @@ void Analyzer::walkRun(int leaf)
 }
 
 // The limits one run applies, each with its factor: a figure times the factor is the share of
-// the limit it takes (the minimum voltage, a lower bound, keeps its value and divides instead).
+// the limit it takes. For the minimum voltage the share is of the margin between the line voltage
+// and the minimum: the drop down to the component against the drop that would reach the minimum.
 struct AppliedLimits {
     int count = 0;
     RunLimitKind kind[RunLimitKinds];
@@ -654,7 +655,8 @@ AppliedLimits appliedLimits(const RunLimitValues& limits, double lineVoltage)
         const double limit = limits.value(kind, lineVoltage);
         a.kind[a.count] = kind;
         a.limit[a.count] = limit;
-        a.factor[a.count] = kind == LimitMinimumVoltage ? limit : (limit > 0.0 ? 1.0 / limit : HUGE_VAL);
+        const double scale = kind == LimitMinimumVoltage ? lineVoltage - limit : limit;
+        a.factor[a.count] = scale > 0.0 ? 1.0 / scale : HUGE_VAL;
         ++a.count;
     }
     return a;
@@ -946,10 +948,7 @@ QList<ComponentFigures> figuresFromRecords(const AnalysisResult& r)
             use.kind = a.kind[j];
             use.limit = a.limit[j];
             use.figure = figureFor(use.kind, c);
-            if (use.kind == LimitMinimumVoltage)
-                use.use = use.figure > 0.0 ? a.factor[j] / use.figure : HUGE_VAL;
-            else
-                use.use = use.figure * a.factor[j];
+            use.use = (use.kind == LimitMinimumVoltage ? c.drop : use.figure) * a.factor[j];
             // Keep the two largest uses, the earlier limit first on a tie.
             if (c.nearestCount < 2)
                 c.nearest[c.nearestCount++] = use;

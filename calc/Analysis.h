@@ -72,7 +72,8 @@ QString runLimitName(RunLimitKind kind);
 // How the limit reads with its unit ("50 V", "0.1 of the line voltage").
 QString runLimitText(RunLimitKind kind, const RunLimitValues& limits);
 
-// How much of one limit a figure takes: 1 is at the limit, above 1 over it.
+// How much of one limit a figure takes: 1 is at the limit, above 1 over it. For the minimum
+// voltage it is the share of the margin between the line voltage and the minimum already dropped.
 struct LimitUse {
     RunLimitKind kind = LimitLength;
     double figure = 0.0; // the component's figure that the limit is compared with

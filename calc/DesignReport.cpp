@@ -206,9 +206,14 @@ QString figuresText(const ComponentFigures& f, const CWidget* root)
     QStringList nearest;
     for (int i = 0; i < f.nearestCount; ++i) {
         const LimitUse& use = f.nearest[i];
-        nearest.append(tr("%1 %2 of %3 (%4 %)")
-                           .arg(runLimitName(use.kind), formatNumber(use.figure), formatNumber(use.limit),
-                                formatNumber(use.use * 100.0)));
+        if (use.kind == LimitMinimumVoltage)
+            nearest.append(
+                tr("%1 %2 V (%3 % of the margin above it used)")
+                    .arg(runLimitName(use.kind), formatNumber(use.limit), formatNumber(use.use * 100.0)));
+        else
+            nearest.append(tr("%1 %2 of %3 (%4 % used)")
+                               .arg(runLimitName(use.kind), formatNumber(use.figure), formatNumber(use.limit),
+                                    formatNumber(use.use * 100.0)));
     }
     if (!nearest.isEmpty())
         lines.append(tr("Nearest limits: %1").arg(nearest.join(QStringLiteral(", "))));
