@@ -146,6 +146,9 @@ int main(int argc, char* argv[])
     }
 
     window.show();
+    // Only a person can answer whether to recover what a crashed run left behind.
+    if (!options.unattended)
+        window.offerRecovery();
     int status = app.exec();
     Reporter::setGlobal(nullptr);
     // A script must learn that the run had no catalog to work with; the message is already on stderr.

@@ -701,7 +701,7 @@ void Analyzer::subtreeFigures()
             if (found != locations.constEnd())
                 load = n.length * found.value();
             else
-                load = n.length / (location == Modes::aboveGround() ? 427.0 : 294.0);
+                load = n.length / Modes::feedwiseMaxLength(location);
             loads[i] = load;
             m_r.feedwiseLength += n.length;
             m_r.feedwiseLoad += load;
@@ -967,9 +967,9 @@ CircuitInputs inputsFromHeader(const HeaderChoices& header, const Database& db)
 {
     CircuitInputs in;
     const QString volts = header.lineVoltageText();
-    in.lineVoltage = volts == QLatin1String("Other") ? header.customLineVoltage() : volts.toDouble();
+    in.lineVoltage = volts == HeaderChoices::otherEntry() ? header.customLineVoltage() : volts.toDouble();
     const QString load = header.maxCircuitLoadText();
-    in.maxCircuitLoad = load == QLatin1String("Other") ? header.customMaxCircuitLoad() : load.toDouble();
+    in.maxCircuitLoad = load == HeaderChoices::otherEntry() ? header.customMaxCircuitLoad() : load.toDouble();
     in.frequency = header.frequencyText() == QLatin1String("50 Hz") ? 50 : 60;
     in.controller = header.controllerText();
     in.enabler = db.supplyNamed(header.supplyText());

@@ -11,6 +11,8 @@ export QT_QPA_PLATFORM=offscreen
 bin="$build/bin"
 echo "== engine benchmarks"
 "$bin/runplan_bench"
+echo "== undo and redo (target: 50 ms each)"
+"$bin/runplan_bench_undo"
 echo "== window and update check (offscreen)"
 "$bin/runplan_bench_window" 2>/dev/null
 

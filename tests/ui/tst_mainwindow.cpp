@@ -71,6 +71,11 @@ public:
     }
     bool confirmDelete(QWidget*) override { return take("delete", deleteAnswers); }
     int execDialog(QDialog*) override { return take("dialog", m_none) ? QDialog::Accepted : QDialog::Rejected; }
+    QList<bool> recoverAnswers;
+    bool askRecover(QWidget*, const QString& displayName) override
+    {
+        return take("recover", recoverAnswers, {displayName});
+    }
 
 private:
     template <typename T>
