@@ -264,7 +264,8 @@ void Runplan::restoreWindowState()
     ui->m_DL_Frame->handleLineKeyToggled(ui->actionLineColorKey->isChecked());
     {
         const QSignalBlocker quiet(ui->actionShowVoltages);
-        ui->actionShowVoltages->setChecked(settings.value(RunplanSettings::showVoltagesKey(), false).toBool());
+        ui->actionShowVoltages->setChecked(
+            settings.value(RunplanSettings::showVoltagesKey(), false).toBool());
     }
     ui->m_DL_Frame->setShowVoltages(ui->actionShowVoltages->isChecked());
 }
@@ -946,9 +947,9 @@ static QString proposedExportName(const QString& projectFile, const QString& suf
 
 void Runplan::handleExportReport()
 {
-    const QString path = m_prompter->getSaveFileName(this, tr("Export Report"),
-                                                     proposedExportName(currentFilePath(), QStringLiteral("pdf")),
-                                                     tr("PDF files (*.pdf)"));
+    const QString path = m_prompter->getSaveFileName(
+        this, tr("Export Report"), proposedExportName(currentFilePath(), QStringLiteral("pdf")),
+        tr("PDF files (*.pdf)"));
     if (path.isEmpty())
         return;
     QString error;
@@ -961,9 +962,9 @@ void Runplan::handleExportReport()
 
 void Runplan::handleExportBillOfMaterials()
 {
-    const QString path = m_prompter->getSaveFileName(this, tr("Export Bill of Materials"),
-                                                     proposedExportName(currentFilePath(), QStringLiteral("csv")),
-                                                     tr("CSV files (*.csv)"));
+    const QString path = m_prompter->getSaveFileName(
+        this, tr("Export Bill of Materials"), proposedExportName(currentFilePath(), QStringLiteral("csv")),
+        tr("CSV files (*.csv)"));
     if (path.isEmpty())
         return;
     QString error;
