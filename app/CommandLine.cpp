@@ -42,6 +42,10 @@ CommandLineOptions parseCommandLine(const QStringList& arguments)
             // The project to analyse is the next argument, whatever characters it holds.
             options.report = true;
             takeValue(&options.projectFile);
+        } else if (arg == QLatin1String("--export-report")) {
+            takeValue(&options.exportReportFile);
+        } else if (arg == QLatin1String("--export-bom")) {
+            takeValue(&options.exportBomFile);
         } else if (arg == QLatin1String("--")) {
             // Ends the options; the argument after it is the project, whatever it holds.
             if (i + 1 < count && options.projectFile.isEmpty())
@@ -77,11 +81,16 @@ QString commandLineUsage()
         "                             standard error and the program ends when done\n"
         "  --report FILE              with -nw: print the analysis of the project FILE to\n"
         "                             standard output (FILE is taken whatever it holds)\n"
+        "  --export-report FILE       with -nw and a project file: write the project's design\n"
+        "                             report to the PDF file FILE\n"
+        "  --export-bom FILE          with -nw and a project file: write the project's bill of\n"
+        "                             materials to the CSV file FILE\n"
         "  --help                     show this text\n"
         "  --version                  show the version\n"
         "  --                         end of the options: the next argument is the project\n"
         "\n"
-        "Exit status: 0 when done; with --report 2 when the project fails a check;\n"
+        "Exit status: 0 when done; with --report, --export-report or --export-bom 2 when\n"
+        "the project fails a check (the files are written);\n"
         "1 when a file cannot be read or written or the catalog is not valid.\n");
 }
 

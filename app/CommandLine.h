@@ -25,8 +25,11 @@ struct CommandLineOptions {
     bool help = false;
     bool version = false;
     bool report = false;
+    QString exportReportFile; // "--export-report FILE": the design report (PDF) of the project
+    QString exportBomFile;    // "--export-bom FILE": its bill of materials (CSV)
 
     bool requestsExport() const { return maximizeAll || maximizeFixture; }
+    bool requestsDesignExport() const { return !exportReportFile.isEmpty() || !exportBomFile.isEmpty(); }
 };
 
 // Reads the arguments that follow the program path, after Qt has taken its own options out of

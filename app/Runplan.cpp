@@ -9,10 +9,12 @@
 #include "app/GuiReporter.h"
 #include "app/OutputLog.h"
 #include "app/Prompter.h"
+#include "app/ReportPdf.h"
 #include "app/WindowScopes.h"
 #include "app/commands/CommandText.h"
 #include "app/commands/EditHistory.h"
 #include "calc/CircuitSelectors.h"
+#include "calc/DesignReport.h"
 #include "calc/Maximize.h"
 #include "canvas/CFrame.h"
 #include "catalog/Database.h"
@@ -30,6 +32,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDate>
 #include <QDebug>
 #include <QDir>
 #include <QFile>
@@ -211,6 +214,11 @@ void Runplan::connectViews()
     connect(this, &Runplan::zoomLevelChanged, canvas, &CFrame::handleZoomChanged);
     connect(ui->m_clearLogButton, &QPushButton::clicked, this, [this]() { m_log->clear(); });
     connect(ui->actionLineColorKey, &QAction::toggled, canvas, &CFrame::handleLineKeyToggled);
+    connect(ui->actionExportReport, &QAction::triggered, this, &Runplan::handleExportReport);
+    connect(ui->actionExportBillOfMaterials, &QAction::triggered, this,
+            &Runplan::handleExportBillOfMaterials);
+    connect(ui->actionShowVoltages, &QAction::toggled, this, &Runplan::handleShowVoltages);
+    canvas->setAnalysis(&m_lastResult);
     connect(m_doc->model(), &CWidgetModel::propertyEdited, this, [this](int column) {
         // The edit is already stored: the step records it.
         EditHistory::Step step(
@@ -252,6 +260,12 @@ void Runplan::restoreWindowState()
         restoreGeometry(settings.value(RunplanSettings::windowGeometryKey()).toByteArray());
     ui->actionLineColorKey->setChecked(RunplanSettings::lineKeyActive());
     ui->m_DL_Frame->handleLineKeyToggled(ui->actionLineColorKey->isChecked());
+    {
+        const QSignalBlocker quiet(ui->actionShowVoltages);
+        ui->actionShowVoltages->setChecked(
+            settings.value(RunplanSettings::showVoltagesKey(), false).toBool());
+    }
+    ui->m_DL_Frame->setShowVoltages(ui->actionShowVoltages->isChecked());
 }
 
 Runplan::~Runplan()
@@ -260,6 +274,7 @@ Runplan::~Runplan()
     m_autosave->discard();
     // The canvas and the table refer to the document: let them go first.
     ui->m_DL_Frame->setDocument(nullptr);
+    ui->m_DL_Frame->setAnalysis(nullptr);
     ui->tableView->setModel(nullptr);
     delete ui;
     if (g_mainWindow == this)
@@ -654,6 +669,73 @@ void Runplan::handlePrintAction()
     if (m_prompter->execDialog(&dialog) != QDialog::Accepted)
         return;
     ui->m_DL_Frame->print(&printer);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Design report and bill of materials
+
+bool Runplan::writeReport(const QString& path, QString* error)
+{
+    DesignReport::Source source;
+    source.projectFile = currentFilePath();
+    source.date = QDate::currentDate();
+    const CircuitInputs inputs = circuitInputs();
+    const DesignReport::Content content =
+        DesignReport::build(source, inputs, m_lastResult, m_doc->root(), *m_db);
+    const QByteArray pdf =
+        ReportPdf::render(content, m_doc, &m_lastResult, ReportPdf::pageSizeFor(QLocale()));
+    return DesignReport::writeFile(path, pdf, error);
+}
+
+bool Runplan::writeBillOfMaterials(const QString& path, QString* error)
+{
+    return DesignReport::writeFile(path, DesignReport::bomCsv(DesignReport::billOfMaterials(m_doc->root())),
+                                   error);
+}
+
+// The proposed name: the project's, with the new suffix, beside it.
+static QString proposedExportName(const QString& projectFile, const QString& suffix)
+{
+    if (projectFile.isEmpty())
+        return QDir(RunplanSettings::lastDirPath()).filePath(QStringLiteral("untitled.") + suffix);
+    const QFileInfo info(projectFile);
+    return info.dir().filePath(info.completeBaseName() + QLatin1Char('.') + suffix);
+}
+
+void Runplan::handleExportReport()
+{
+    const QString path = m_prompter->getSaveFileName(
+        this, tr("Export Report"), proposedExportName(currentFilePath(), QStringLiteral("pdf")),
+        tr("PDF files (*.pdf)"));
+    if (path.isEmpty())
+        return;
+    QString error;
+    if (writeReport(path, &error))
+        showStatusLine(tr("Report written to %1").arg(path));
+    else
+        Reporter::global()->message(Reporter::Kind::Critical, tr("Export Error"),
+                                    tr("Cannot write %1:\n%2").arg(path, error));
+}
+
+void Runplan::handleExportBillOfMaterials()
+{
+    const QString path = m_prompter->getSaveFileName(
+        this, tr("Export Bill of Materials"), proposedExportName(currentFilePath(), QStringLiteral("csv")),
+        tr("CSV files (*.csv)"));
+    if (path.isEmpty())
+        return;
+    QString error;
+    if (writeBillOfMaterials(path, &error))
+        showStatusLine(tr("Bill of materials written to %1").arg(path));
+    else
+        Reporter::global()->message(Reporter::Kind::Critical, tr("Export Error"),
+                                    tr("Cannot write %1:\n%2").arg(path, error));
+}
+
+void Runplan::handleShowVoltages(bool on)
+{
+    QSettings().setValue(RunplanSettings::showVoltagesKey(), on);
+    ui->m_DL_Frame->setShowVoltages(on);
 }
 
 void Runplan::on_actionAbout_triggered()

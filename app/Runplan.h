@@ -116,6 +116,11 @@ public:
     void selectSupplyRecord(const DLPowerSupply* record);
 
     const AnalysisResult& lastResult() const { return m_lastResult; }
+
+    // The design report (PDF) and the bill of materials (CSV) of the configuration as analysed
+    // last, each written through a temporary file. False with the reason in error.
+    bool writeReport(const QString& path, QString* error);
+    bool writeBillOfMaterials(const QString& path, QString* error);
     double zoomFactor() const { return m_zoomFactor; }
     void showStatusLine(const QString& text);
     // The output log with every line written so far.
@@ -154,6 +159,11 @@ public:
     double totalLength() const override;
     const VxFixture* currentFixture() const override;
     bool progress(int percent) override;
+
+private slots:
+    void handleExportReport();
+    void handleExportBillOfMaterials();
+    void handleShowVoltages(bool on);
 
 signals:
     void zoomLevelChanged(double factor);

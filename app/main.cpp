@@ -28,16 +28,17 @@ void writeErr(const QString& text)
 }
 
 // The analysis of a project as plain text: every line the analysis writes to the output log, in
-// order. 0 when it passes every check, 2 when it fails one, 1 when it could not be made (also
-// for a project that was not read whole).
-int printReport(const Runplan& window, bool opened, const QString& projectFile)
+// order, and the design report and bill of materials asked for. 0 when it passes every check, 2
+// when it fails one (the files are written), 1 when it could not be made (also for a project
+// that was not read whole) or a file could not be written.
+int printReport(Runplan& window, bool opened, const CommandLineOptions& options)
 {
     if (!window.catalog()->isValid()) {
         writeErr(QStringLiteral("Runplan: the catalog %1 is not valid; no report.\n")
                      .arg(window.catalog()->path()));
         return 1;
     }
-    if (projectFile.isEmpty()) {
+    if (options.projectFile.isEmpty()) {
         writeErr(QStringLiteral("Runplan: --report needs -nw and a project file.\n"));
         return 1;
     }
@@ -47,12 +48,24 @@ int printReport(const Runplan& window, bool opened, const QString& projectFile)
     // A report of part of a project would pass or fail a plan nobody drew.
     if (!window.notReadWholeReason().isEmpty()) {
         writeErr(QStringLiteral("Runplan: %1 was not read completely: it breaks off at %2.\n")
-                     .arg(projectFile, window.notReadWholeReason()));
+                     .arg(options.projectFile, window.notReadWholeReason()));
         return 1;
     }
     const AnalysisResult& result = window.lastResult();
-    for (const auto& line : result.logLines())
-        writeOut(line.first + QLatin1Char('\n'));
+    if (options.report)
+        for (const auto& line : result.logLines())
+            writeOut(line.first + QLatin1Char('\n'));
+    QString error;
+    if (!options.exportReportFile.isEmpty() && !window.writeReport(options.exportReportFile, &error)) {
+        writeErr(
+            QStringLiteral("Runplan: cannot write the report %1: %2\n").arg(options.exportReportFile, error));
+        return 1;
+    }
+    if (!options.exportBomFile.isEmpty() && !window.writeBillOfMaterials(options.exportBomFile, &error)) {
+        writeErr(QStringLiteral("Runplan: cannot write the bill of materials %1: %2\n")
+                     .arg(options.exportBomFile, error));
+        return 1;
+    }
     return result.pass ? 0 : 2;
 }
 
@@ -78,7 +91,7 @@ std::optional<int> answeredBeforeWindow(const CommandLineOptions& options, bool 
         writeOut(versionText());
         return 0;
     }
-    if (options.report && !options.unattended) {
+    if ((options.report || options.requestsDesignExport()) && !options.unattended) {
         writeErr(QStringLiteral("Runplan: --report needs -nw and a project file.\n"));
         return 1;
     }
@@ -148,8 +161,8 @@ int main(int argc, char* argv[])
     Runplan window;
     QCoreApplication::processEvents();
     const bool opened = window.processCommandLine(options);
-    if (options.report) {
-        const int status = printReport(window, opened, options.projectFile);
+    if (options.report || options.requestsDesignExport()) {
+        const int status = printReport(window, opened, options);
         Reporter::setGlobal(nullptr);
         return status;
     }

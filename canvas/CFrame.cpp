@@ -1,5 +1,7 @@
 #include "canvas/CFrame.h"
 
+#include "calc/Analysis.h"
+#include "calc/DesignReport.h"
 #include "canvas/CFrameItemDelegate.h"
 #include "model/CWidget.h"
 #include "model/CWidgetModel.h"
@@ -8,6 +10,7 @@
 
 #include <QDebug>
 #include <QHash>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMessageBox>
@@ -16,6 +19,7 @@
 #include <QPainter>
 #include <QPrinter>
 #include <QScrollBar>
+#include <QToolTip>
 #include <QtMath>
 
 namespace
@@ -346,6 +350,9 @@ void CFrame::paintComponent(QPainter& painter, const CWidget* w, const Layout& l
         m_delegate->paint(&painter, option, index);
         painter.restore();
     }
+    // The voltage sits in the gap under the box.
+    if (m_showVoltages && inPaintArea(QRectF(r.left(), r.bottom() + 1, r.width(), 8)))
+        paintVoltage(painter, w, r);
 
     for (const CWidget* c : w->children())
         paintComponent(painter, c, layout);
@@ -419,6 +426,56 @@ void CFrame::paintConnector(QPainter& painter, const CWidget* parent, const CWid
         painter.drawLine(QPointF(p.x(), pCentre), QPointF(nRight, nCentre));
     }
     painter.restore();
+}
+
+// Small text in the gap under a box: green, amber within 10 % of the run's minimum voltage, red
+// below it.
+void CFrame::paintVoltage(QPainter& painter, const CWidget* w, const QRect& box)
+{
+    const ComponentFigures* f = m_analysis ? m_analysis->figuresAt(w) : nullptr;
+    if (!f || w->isCable())
+        return;
+    QColor colour(0, 140, 0);
+    switch (DesignReport::voltageMargin(*f)) {
+    case DesignReport::Margin::Below:
+        colour = QColor(210, 0, 0);
+        break;
+    case DesignReport::Margin::Near:
+        colour = QColor(215, 130, 0);
+        break;
+    default:
+        break;
+    }
+    painter.save();
+    QFont font = painter.font();
+    font.setPixelSize(7);
+    painter.setFont(font);
+    painter.setPen(colour);
+    painter.drawText(QRect(box.left(), box.bottom() + 1, box.width(), 8), Qt::AlignRight | Qt::AlignVCenter,
+                     tr("%1 V").arg(formatNumber(f->voltage)));
+    painter.restore();
+}
+
+// The component's own tooltip, followed by the figures of the last analysis at it.
+bool CFrame::showFiguresToolTip(QHelpEvent* event)
+{
+    const QModelIndex index = indexAt(event->pos());
+    const CWidget* w = index.isValid() && m_doc ? m_doc->model()->widget(index) : nullptr;
+    const ComponentFigures* f = w && m_analysis ? m_analysis->figuresAt(w) : nullptr;
+    if (!f)
+        return false;
+    QString text = index.data(Qt::ToolTipRole).toString();
+    if (!text.isEmpty())
+        text += QStringLiteral("\n\n");
+    text += DesignReport::figuresText(*f, m_doc->root());
+    QToolTip::showText(event->globalPos(), text, viewport(), visualRect(index));
+    return true;
+}
+
+void CFrame::setShowVoltages(bool on)
+{
+    m_showVoltages = on;
+    viewport()->update();
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -512,6 +569,8 @@ bool CFrame::viewportEvent(QEvent* event)
     // The viewport shrinks when a scroll bar appears: keep the key clear of it.
     if (event->type() == QEvent::Resize)
         placeLineKey();
+    if (event->type() == QEvent::ToolTip && showFiguresToolTip(static_cast<QHelpEvent*>(event)))
+        return true;
     return QAbstractItemView::viewportEvent(event);
 }
 

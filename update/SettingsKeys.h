@@ -20,6 +20,11 @@ inline QString lineKeyActiveKey()
 {
     return QStringLiteral("rplan_line_key_active");
 }
+// Off unless stored: the canvas then paints as it always has.
+inline QString showVoltagesKey()
+{
+    return QStringLiteral("rplan_show_voltages");
+}
 inline QString lastDirPathKey()
 {
     return QStringLiteral("lastDirPath");

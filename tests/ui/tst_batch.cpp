@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextEdit>
@@ -47,6 +48,7 @@ private slots:
     void nothingToDoEndsAtOnce();
     void qtOptionsAndDashedNames();
     void unattendedWindowKeepsItsOutputs();
+    void designExports();
 
 private:
     Run run(const QStringList& arguments, const QString& program = QString(), int waitMs = 240000,
@@ -177,6 +179,8 @@ void TestBatch::helpAndVersion()
     QVERIFY(r.out.startsWith("Usage: runplan"));
     QVERIFY(r.out.contains("--maximize-all"));
     QVERIFY(r.out.contains("--report FILE"));
+    QVERIFY(r.out.contains("--export-report FILE"));
+    QVERIFY(r.out.contains("--export-bom FILE"));
     QVERIFY(r.out.contains("\n  --  "));
 
     r = run({"--version"});
@@ -388,6 +392,59 @@ void TestBatch::unattendedWindowKeepsItsOutputs()
     QCOMPARE(logs[1], unattended.findChild<QTextEdit*>("m_messageBox"));
     QVERIFY(logs[0]->document()->blockCount() > 10);
     QCOMPARE(logs[1]->toHtml(), logs[0]->toHtml());
+}
+
+// The design report and the bill of materials of a saved plan, beside the --report lines.
+void TestBatch::designExports()
+{
+    const CommandLineOptions o = parseCommandLine(
+        {"-nw", "--export-report", "a.pdf", "--export-bom", "b.csv", "--report", "p.rpproj"});
+    QCOMPARE(o.exportReportFile, QStringLiteral("a.pdf"));
+    QCOMPARE(o.exportBomFile, QStringLiteral("b.csv"));
+    QVERIFY(o.report);
+    QCOMPARE(o.projectFile, QStringLiteral("p.rpproj"));
+
+    for (const char* name : {"sample.rpproj", "overload.rpproj"})
+        QVERIFY(QFile::copy(testDataPath(QStringLiteral("app/") + name), m_dir->filePath(name)));
+    Run r =
+        run({"-nw", "--export-report", "out.pdf", "--export-bom", "bom.csv", "--report", "sample.rpproj"});
+    QVERIFY(!r.crashed);
+    QCOMPARE(r.exitCode, 0);
+    QVERIFY(r.out.startsWith("Length = "));
+    const QByteArray pdf = readFile(m_dir->filePath("out.pdf"));
+    QVERIFY(pdf.startsWith("%PDF-"));
+    const QByteArray bom = readFile(m_dir->filePath("bom.csv"));
+    QVERIFY(bom.startsWith("Kind,Catalog Name,Type,Gauge,Location,Quantity,Total Length (ft)\r\n"
+                           "Enabler,Signal Feeder Pro,,,,1,\r\n"));
+    QVERIFY(bom.contains("\r\nFixture,Stylebar Tunable Dynaline 4ft,,,,6,\r\n"));
+
+    // A failing plan still gets its files, with status 2; a file that cannot be written gives 1,
+    // the reason, and nothing in its place.
+    r = run({"-nw", "--export-bom", "over.csv", "overload.rpproj"});
+    QCOMPARE(r.exitCode, 2);
+    QVERIFY(r.out.isEmpty());
+    QVERIFY(QFile::exists(m_dir->filePath("over.csv")));
+    r = run({"-nw", "--export-report", "missing/out.pdf", "sample.rpproj"});
+    QCOMPARE(r.exitCode, 1);
+    QVERIFY(r.err.contains("cannot write the report missing/out.pdf"));
+    QVERIFY(!QFile::exists(m_dir->filePath("missing/out.pdf")));
+    QCOMPARE(run({"-nw", "--export-bom", "x.csv", "absent.rpproj"}).exitCode, 1);
+    QVERIFY(!QFile::exists(m_dir->filePath("x.csv")));
+
+    // As a reader sees it: a summary page, the run diagram, the run table with the bill of materials.
+    const QString pdftotext = QStandardPaths::findExecutable(QStringLiteral("pdftotext"));
+    if (pdftotext.isEmpty())
+        QSKIP("pdftotext (poppler-utils) is not installed");
+    QProcess text;
+    text.start(pdftotext, {"-layout", m_dir->filePath("out.pdf"), "-"});
+    QVERIFY(text.waitForFinished(60000));
+    const QString pages = QString::fromUtf8(text.readAllStandardOutput());
+    QCOMPARE(pages.count(QLatin1Char('\f')), 3);
+    for (const char* expected :
+         {"Runplan Design Report", "sample.rpproj", "Enabler", "Signal Feeder Pro", "Line voltage", "120 V",
+          "60 Hz", "15 A (derated to 12 A)", "Catalog version", "Runplan 3.17.0", "Result: PASS",
+          "Inrush current", "Run diagram", "Runs", "Bill of materials", "Page 1 of 3", "Page 3 of 3"})
+        QVERIFY2(pages.contains(QLatin1String(expected)), expected);
 }
 
 QTEST_MAIN(TestBatch)
