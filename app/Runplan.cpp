@@ -693,43 +693,43 @@ bool Runplan::writeBillOfMaterials(const QString& path, QString* error)
                                    error);
 }
 
+namespace
+{
 // The proposed name: the project's, with the new suffix, beside it.
-static QString proposedExportName(const QString& projectFile, const QString& suffix)
+QString proposedExportName(const QString& projectFile, const QString& suffix)
 {
     if (projectFile.isEmpty())
         return QDir(RunplanSettings::lastDirPath()).filePath(QStringLiteral("untitled.") + suffix);
     const QFileInfo info(projectFile);
     return info.dir().filePath(info.completeBaseName() + QLatin1Char('.') + suffix);
 }
+} // namespace
 
-void Runplan::handleExportReport()
+void Runplan::exportDesignFile(const QString& title, const QString& suffix, const QString& filter,
+                               bool (Runplan::*write)(const QString&, QString*), const QString& writtenText)
 {
-    const QString path = m_prompter->getSaveFileName(
-        this, tr("Export Report"), proposedExportName(currentFilePath(), QStringLiteral("pdf")),
-        tr("PDF files (*.pdf)"));
+    const QString path =
+        m_prompter->getSaveFileName(this, title, proposedExportName(currentFilePath(), suffix), filter);
     if (path.isEmpty())
         return;
     QString error;
-    if (writeReport(path, &error))
-        showStatusLine(tr("Report written to %1").arg(path));
+    if ((this->*write)(path, &error))
+        showStatusLine(writtenText.arg(path));
     else
         Reporter::global()->message(Reporter::Kind::Critical, tr("Export Error"),
                                     tr("Cannot write %1:\n%2").arg(path, error));
 }
 
+void Runplan::handleExportReport()
+{
+    exportDesignFile(tr("Export Report"), QStringLiteral("pdf"), tr("PDF files (*.pdf)"), &Runplan::writeReport,
+                     tr("Report written to %1"));
+}
+
 void Runplan::handleExportBillOfMaterials()
 {
-    const QString path = m_prompter->getSaveFileName(
-        this, tr("Export Bill of Materials"), proposedExportName(currentFilePath(), QStringLiteral("csv")),
-        tr("CSV files (*.csv)"));
-    if (path.isEmpty())
-        return;
-    QString error;
-    if (writeBillOfMaterials(path, &error))
-        showStatusLine(tr("Bill of materials written to %1").arg(path));
-    else
-        Reporter::global()->message(Reporter::Kind::Critical, tr("Export Error"),
-                                    tr("Cannot write %1:\n%2").arg(path, error));
+    exportDesignFile(tr("Export Bill of Materials"), QStringLiteral("csv"), tr("CSV files (*.csv)"),
+                     &Runplan::writeBillOfMaterials, tr("Bill of materials written to %1"));
 }
 
 void Runplan::handleShowVoltages(bool on)

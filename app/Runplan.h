@@ -239,6 +239,10 @@ private:
     // when unattended; empty to export nothing.
     QString exportFileName();
     void finishBatch(int exitCode);
+    // The two design exports from the menu: asks for the file (proposed beside the project), writes
+    // it and says so on the status line, or why not in a message.
+    void exportDesignFile(const QString& title, const QString& suffix, const QString& filter,
+                          bool (Runplan::*write)(const QString&, QString*), const QString& writtenText);
     // Puts a state of the undo history back and analyses it as any change.
     void restoreState(const DocumentSnapshot& state);
     void setUpUndoActions();

@@ -198,6 +198,27 @@ void TestCsvExport::sessionSelections()
     s.header().lineVoltage = QStringLiteral("Other");
     s.selectFixture(h.db.fixtureNamed(QStringLiteral("Beta, Wide")));
     QCOMPARE(s.header().lineVoltage, QStringLiteral("Other"));
+
+    // The lists the window's combo boxes mirror, and New's defaults: a voltage the fixture offers
+    // (the custom entry included) stays, else its first; load and frequency go back, the custom
+    // values stay.
+    CircuitSelectors& state = s.header();
+    QCOMPARE(state.fixtureNames(), (QStringList{"Gamma", "Delta"}));
+    QVERIFY(state.controllerNames().isEmpty()); // no Feedwise output
+    QCOMPARE(CircuitSelectors::voltageEntries(state.fixtureRecord()), (QStringList{"277", "277", "Other"}));
+    state.customVoltage = 230;
+    state.maxCircuitLoad = QStringLiteral("Other");
+    state.frequency = QStringLiteral("50 Hz");
+    state.chooseDefaults();
+    QCOMPARE(state.lineVoltage, QStringLiteral("Other"));
+    state.lineVoltage = QStringLiteral("100");
+    state.chooseDefaults();
+    QCOMPARE(state.lineVoltage, QStringLiteral("277"));
+    QCOMPARE(state.inputs().maxCircuitLoad, 15.0);
+    QCOMPARE(state.inputs().frequency, 60);
+    QCOMPARE(state.customVoltage, 230);
+    state.chooseEnabler(nullptr);
+    QVERIFY(state.supply.isEmpty() && state.fixture.isEmpty() && !state.enabler());
 }
 
 QTEST_GUILESS_MAIN(TestCsvExport)
