@@ -425,8 +425,11 @@ void Runplan::handleSelectionChanged(const QModelIndex& index)
 
 void Runplan::updateAddButtons(const QModelIndex& index)
 {
-    // The document's rule for the selected component (the one the canvas announced).
+    // The document's rule for the selected component (the one the canvas announced). A held
+    // display keeps its buttons as they are, as it does its totals.
     Q_UNUSED(index)
+    if (m_displayHeld)
+        return;
     const Additions allowed = m_doc->allowedAdditions(chosenFixtureRecord());
     ui->m_DL_AddFixture_Button->setEnabled(allowed.fixture);
     ui->m_DL_AddLeader_Button->setEnabled(allowed.leader);
@@ -582,14 +585,14 @@ bool Runplan::processCommandLine(const CommandLineOptions& options)
 
 void Runplan::holdDisplay()
 {
-    // The canvas and the property table are left without the configuration, the totals are no
-    // longer refreshed (runAnalysis), and the output log keeps its lines aside until someone asks
-    // for it (outputLog()). What the canvas passed on from the document now comes straight from it.
+    // The canvas and the property table are left without the configuration, the totals and the
+    // add buttons are no longer refreshed (runAnalysis, updateAddButtons), and the output log
+    // keeps its lines aside until someone asks for it (outputLog()). The analysis the canvas
+    // started on every change now follows the document itself.
     m_displayHeld = true;
     ui->tableView->setModel(nullptr);
     ui->m_DL_Frame->setDocument(nullptr);
     connect(m_doc, &ConfigDocument::changed, this, &Runplan::DL_Update);
-    connect(m_doc, &ConfigDocument::currentChanged, this, &Runplan::handleSelectionChanged);
     connect(this, &Runplan::paramChanged, m_doc, [this]() { m_doc->setModified(true); });
     m_log->hold();
 }

@@ -104,7 +104,22 @@ const DLFixture* CircuitSelectors::fixtureRecordToAdd() const
     return qobject_cast<const DLFixture*>(found ? found : chosen->fixtures.first());
 }
 
+namespace
+{
+bool sameChoices(const HeaderValues& a, const HeaderValues& b)
+{
+    return a.supply == b.supply && a.fixture == b.fixture && a.lineVoltage == b.lineVoltage &&
+           a.customVoltage == b.customVoltage && a.maxCircuitLoad == b.maxCircuitLoad &&
+           a.customLoad == b.customLoad && a.frequency == b.frequency && a.controller == b.controller;
+}
+} // namespace
+
 CircuitInputs CircuitSelectors::inputs() const
 {
-    return inputsFromHeader(*this, m_db);
+    if (!m_hasInputs || !sameChoices(*this, m_inputsChoices)) {
+        m_inputs = inputsFromHeader(*this, m_db);
+        m_inputsChoices = *this;
+        m_hasInputs = true;
+    }
+    return m_inputs;
 }

@@ -43,8 +43,12 @@ public:
     const DLFixture* fixtureRecord() const;
     // The fixture the add buttons use: the same, but the last of the fixtures so named.
     const DLFixture* fixtureRecordToAdd() const;
+    // Every analysis asks for them, mostly for the same choices: the last ones are kept.
     CircuitInputs inputs() const;
 
 private:
     const Database& m_db;
+    mutable HeaderValues m_inputsChoices;
+    mutable CircuitInputs m_inputs;
+    mutable bool m_hasInputs = false;
 };
