@@ -45,8 +45,8 @@ struct CommandLineOptions;
 // The program's document window: the circuit selectors, the add buttons, the canvas with the
 // property table of the selected component, the totals and the output log. It owns one
 // configuration (a ConfigDocument shown by the canvas), runs the analysis after every change and
-// writes its results; its selectors are the header choices of project files and what the CSV
-// exports drive.
+// writes its results; its selectors (combo boxes mirroring a CircuitSelectors state, the one the
+// headless Session keeps too) are the header choices of project files and what the CSV exports drive.
 class Runplan : public QMainWindow, public HeaderChoices, public ExportHost
 {
     Q_OBJECT
