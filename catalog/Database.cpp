@@ -5,8 +5,10 @@
 
 #include <QCoreApplication>
 #include <QDomDocument>
+#include <QDir>
 #include <QDomNodeList>
 #include <QFile>
+#include <QFileInfo>
 #include <QXmlStreamReader>
 
 using namespace FieldReader;
@@ -99,9 +101,20 @@ int Database::techTypeFromKeyword(const QString& keyword)
     return VxTechNone;
 }
 
+QString Database::locate(const QString& fileName)
+{
+    const QString dir = QCoreApplication::applicationDirPath();
+    const QString beside = dir + QLatin1Char('/') + fileName;
+    if (QFileInfo::exists(beside))
+        return beside;
+    // An installed program lives in <prefix>/bin with its data in <prefix>/share/runplan.
+    const QString installed = QDir::cleanPath(dir + QStringLiteral("/../share/runplan/") + fileName);
+    return QFileInfo::exists(installed) ? installed : beside;
+}
+
 bool Database::load(const QString& fileName, Reporter* reporter)
 {
-    return loadFile(QCoreApplication::applicationDirPath() + QLatin1Char('/') + fileName, reporter);
+    return loadFile(locate(fileName), reporter);
 }
 
 bool Database::loadFile(const QString& path, Reporter* reporter)
