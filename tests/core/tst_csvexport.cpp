@@ -112,6 +112,9 @@ void TestCsvExport::currentFixtureTable()
 
     h.session->selectEnabler(h.db.supplyNamed(QStringLiteral("Line Voltage")));
     QCOMPARE(h.exportCurrent(QStringLiteral("Delta")), QByteArray("Fixtures\nDelta\n\n"));
+    // A voltage the catalog lists twice is a column twice here (the all-fixtures table lists it once);
+    // the second goes on from the first one's tree.
+    QCOMPARE(h.exportCurrent(QStringLiteral("Gamma")), QByteArray("Fixtures, 277v, 277v\nGamma, 2 (20ft), 2 (20ft)\n\n"));
 }
 
 void TestCsvExport::lengthsAndColumns()
