@@ -2,6 +2,7 @@
 #include "app/GuiReporter.h"
 #include "app/Runplan.h"
 #include "app/SplashScreen.h"
+#include "app/Translations.h"
 #include "catalog/Database.h"
 
 #include <QApplication>
@@ -78,6 +79,7 @@ int main(int argc, char* argv[])
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QT_WARNING_POP
     QApplication app(argc, argv);
+    installTranslations(app);
 
     QFont font = QApplication::font();
     font.setPointSizeF(8.5);
