@@ -11,6 +11,7 @@
 #include "model/CWidgetModel.h"
 #include "model/ConfigDocument.h"
 #include "model/ProjectFile.h"
+#include "model/SafeFile.h"
 #include "model/view/CWidgetTableView.h"
 #include "ui_Runplan.h"
 #include "update/LoadingDialog.h"
@@ -27,9 +28,11 @@
 #include <QPixmap>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QSaveFile>
 #include <QScrollBar>
 #include <QSettings>
 #include <QStatusBar>
+#include <QTextCursor>
 #include <QTimer>
 
 #include <cstdio>
@@ -166,7 +169,10 @@ Runplan::Runplan(QWidget* parent)
             ui->m_DLSupply_Combo->addItem(supply->name, QVariant::fromValue(supply));
     }
 
-    // Initial choices.
+    // Initial choices. The result labels hold the form's placeholders until an analysis fills
+    // them, which never happens without a catalog.
+    ui->m_DL_DerateLoad_Label->clear();
+    ui->m_DL_TotalFixtures_Label->clear();
     ui->m_DL_AddReceiver_Button->hide();
     ui->m_DL_TotalPower_Label->setFont(bold);
     ui->m_DL_TotalFixtures_Label->setFont(bold);
@@ -284,9 +290,16 @@ void Runplan::statusMessage(const QString& text)
 
 void Runplan::statusMessage(const QString& text, const QColor& color)
 {
+    // Coloured through a cursor of its own at the end: the log's cursor (the user's selection)
+    // keeps its text and its colour.
     QTextEdit* log = ui->m_messageBox;
-    log->setTextColor(color);
-    log->append(text);
+    QTextCursor end(log->document());
+    end.movePosition(QTextCursor::End);
+    if (!log->document()->isEmpty())
+        end.insertBlock();
+    QTextCharFormat format;
+    format.setForeground(color);
+    end.insertText(text, format);
     log->verticalScrollBar()->setValue(log->verticalScrollBar()->maximum());
 }
 
@@ -745,6 +758,10 @@ void Runplan::runAnalysis()
         ui->m_DL_Total_PLC_Length_Edit->setText(result.feedwiseText);
         setFieldColor(ui->m_DL_Total_PLC_Length_Edit,
                       result.feedwiseLoad < 1.0 ? passingFieldColor() : failingFieldColor());
+    } else {
+        // No Feedwise run: the field shows no length of an earlier one.
+        ui->m_DL_Total_PLC_Length_Edit->clear();
+        setFieldColor(ui->m_DL_Total_PLC_Length_Edit, clearedFieldColor());
     }
 
     for (const auto& line : result.logLines())
@@ -905,8 +922,10 @@ void Runplan::runExport(bool all)
             return;
     }
 
-    QFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
+    // Written through a temporary file: a failed export leaves an earlier file as it was, and a
+    // cancelled one replaces it with the rows written so far.
+    QSaveFile file(fileName);
+    if (!SafeFile::open(file)) {
         if (m_runningBatchCommands) {
             std::fprintf(stderr, "%s\n",
                          qPrintable(tr("Runplan: cannot write %1: %2")
@@ -930,8 +949,7 @@ void Runplan::runExport(bool all)
         CsvExport::exportAllFixtures(file, *this);
     else
         CsvExport::exportCurrentFixture(file, *this);
-    file.close();
-    const bool written = file.error() == QFileDevice::NoError;
+    const bool written = SafeFile::commit(file);
     m_exportRunning = false;
 
     if (m_progressDialog) {
@@ -1030,13 +1048,11 @@ QString Runplan::displayName() const
 void Runplan::setWindowTitleFor(const QString& path)
 {
     const QString name = path.isEmpty() ? tr("Untitled.rpproj") : QFileInfo(path).fileName();
+    // One pass, so that a "%1" in the file name stays as typed.
     setWindowTitle(tr("%1[*] - %2 Release %3.%4.%5 [Build %6-%7]")
-                       .arg(name, RunplanVersion::applicationName())
-                       .arg(RunplanVersion::Major)
-                       .arg(RunplanVersion::Minor)
-                       .arg(RunplanVersion::Revision)
-                       .arg(RunplanVersion::BuildDate)
-                       .arg(RunplanVersion::buildTag()));
+                       .arg(name, RunplanVersion::applicationName(), QString::number(RunplanVersion::Major),
+                            QString::number(RunplanVersion::Minor), QString::number(RunplanVersion::Revision),
+                            QString::number(RunplanVersion::BuildDate), RunplanVersion::buildTag()));
 }
 
 void Runplan::setCurrentFile(const QString& path)
@@ -1074,11 +1090,24 @@ void Runplan::handleNewAction()
         if (ui->m_DLSupply_Combo->count() > 0)
             ui->m_DLSupply_Combo->setCurrentIndex(0);
     }
+    {
+        // A project read in part may have left selectors without an entry; New leaves none so.
+        InteractiveChangeOff off(this);
+        if (ui->m_DLFixture_Combo->currentIndex() < 0 && ui->m_DLFixture_Combo->count() > 0)
+            ui->m_DLFixture_Combo->setCurrentIndex(0);
+        if (ui->m_DLController_Combo->currentIndex() < 0 && ui->m_DLController_Combo->count() > 0)
+            ui->m_DLController_Combo->setCurrentIndex(0);
+    }
     chooseDefaultLineVoltage();
+    if (ui->m_DL_LineVoltage_Combo->currentIndex() < 0 && ui->m_DL_LineVoltage_Combo->count() > 0)
+        ui->m_DL_LineVoltage_Combo->setCurrentIndex(0);
     ui->m_DL_MaxLoad_Combo->setCurrentIndex(0);
+    ui->m_frequencyComboBox->setCurrentIndex(findExact(ui->m_frequencyComboBox, QStringLiteral("60 Hz")));
     on_m_DL_Reset_Button_clicked();
     m_doc->setModified(false);
     setCurrentFile(QString());
+    m_notReadWholePath.clear();
+    m_notReadWholeReason.clear();
     m_doc->setModified(false);
 }
 
@@ -1097,14 +1126,20 @@ void Runplan::handleOpenAction()
 bool Runplan::openProject(const QString& path)
 {
     bool opened = false;
+    QString notReadWhole;
     {
         AnalysisHold hold(m_analysisSuspended);
         InteractiveChangeOff off(this);
         QApplication::setOverrideCursor(Qt::WaitCursor);
-        opened = ProjectFile::open(path, *m_doc, *this, m_reporter.get());
+        opened = ProjectFile::open(path, *m_doc, *this, m_reporter.get(), &notReadWhole);
         QApplication::restoreOverrideCursor();
     }
     if (opened) {
+        ui->m_DL_Frame->showTopLeft();
+        // A failure reported for an earlier file no longer describes what is shown.
+        statusBar()->clearMessage();
+        m_notReadWholePath = notReadWhole.isEmpty() ? QString() : QFileInfo(path).absoluteFilePath();
+        m_notReadWholeReason = notReadWhole;
         setCurrentFile(path);
         m_doc->setModified(false);
         runAnalysis();
@@ -1114,12 +1149,22 @@ bool Runplan::openProject(const QString& path)
 
 bool Runplan::saveProject(const QString& path)
 {
+    // A file read only in part is replaced only when the user says so.
+    const QString target = QFileInfo(ProjectFile::withExtension(path)).absoluteFilePath();
+    const bool overPartlyRead = !m_notReadWholePath.isEmpty() && target == m_notReadWholePath;
+    if (overPartlyRead && !m_prompter->askReplaceNotReadWhole(this, QFileInfo(target).fileName()))
+        return false;
     QString saved;
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const bool ok = ProjectFile::save(path, *m_doc, *this, m_reporter.get(), &saved);
     QApplication::restoreOverrideCursor();
-    if (ok)
+    if (ok) {
+        if (overPartlyRead) {
+            m_notReadWholePath.clear();
+            m_notReadWholeReason.clear();
+        }
         setCurrentFile(saved);
+    }
     return ok;
 }
 

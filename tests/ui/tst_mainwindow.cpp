@@ -4,6 +4,7 @@
 #include "TestSupport.h"
 #include "app/Prompter.h"
 #include "app/Runplan.h"
+#include "canvas/CFrame.h"
 #include "calc/Session.h"
 #include "catalog/Database.h"
 #include "model/CWidget.h"
@@ -15,12 +16,21 @@
 #include <QDialog>
 #include <QFile>
 #include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QProcess>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSettings>
 #include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QStatusBar>
+#include <QTextBlock>
 #include <QTextEdit>
+
+#include <csignal>
+#include <sys/resource.h>
 
 // Answers from queues; a question with no answer left is recorded as unexpected.
 class ScriptedPrompter : public Prompter
@@ -31,6 +41,8 @@ public:
     QList<bool> clearAnswers;
     QList<SaveChoice> saveChangesAnswers;
     QList<bool> replaceAnswers;
+    QList<bool> notReadWholeAnswers;
+    QList<bool> deleteAnswers;
 
     QStringList asked;    // the kind of every question, in order
     QStringList lastArgs; // the texts shown with the last one
@@ -51,7 +63,11 @@ public:
         return take("saveChanges", saveChangesAnswers, {displayName}, SaveChoice::Cancel);
     }
     bool askReplace(QWidget*, const QString& filePath) override { return take("replace", replaceAnswers, {filePath}); }
-    bool confirmDelete(QWidget*) override { return take("delete", m_none); }
+    bool askReplaceNotReadWhole(QWidget*, const QString& fileName) override
+    {
+        return take("notReadWhole", notReadWholeAnswers, {fileName});
+    }
+    bool confirmDelete(QWidget*) override { return take("delete", deleteAnswers); }
     int execDialog(QDialog*) override { return take("dialog", m_none) ? QDialog::Accepted : QDialog::Rejected; }
 
 private:
@@ -85,7 +101,13 @@ private slots:
     void customVoltageAndLoad();
     void saveAsNamesAndReplaces();
     void newAndOpenAskAboutUnsavedChanges();
+    void openedProjectShowsTopLeft();
     void maximizeAndExportMatchTheEngine();
+    void openingWhatIsNotAProject();
+    void failedExportKeepsTheOldFile();
+    void fieldsAndLogShowOnlyTheirOwn();
+    void questionBoxes();
+    void withoutACatalog();
 
 private:
     // The window's widgets, found by their object names.
@@ -114,7 +136,9 @@ void TestMainWindow::initTestCase()
 {
     QCoreApplication::setOrganizationName(QStringLiteral("Vorlux"));
     QCoreApplication::setApplicationName(QStringLiteral("Runplan"));
-    QVERIFY2(Database::instance()->isValid(), "the catalog beside the test must load");
+    // withoutACatalog() runs a copy of this test where no catalog lies beside it.
+    if (qEnvironmentVariableIsEmpty("RUNPLAN_TEST_NO_CATALOG"))
+        QVERIFY2(Database::instance()->isValid(), "the catalog beside the test must load");
 }
 
 void TestMainWindow::init()
@@ -425,6 +449,21 @@ void TestMainWindow::newAndOpenAskAboutUnsavedChanges()
     QCOMPARE(doc()->count(ItemFixture), 1);
 }
 
+void TestMainWindow::openedProjectShowsTopLeft()
+{
+    // A canvas narrower than the enabler plus the scroll-into-view margin, as before the window
+    // is first shown (a project named on the command line), and scrolled away from the origin.
+    const QString saved = m_dir->filePath("one.rpproj");
+    QVERIFY(m_window->saveProject(saved));
+    CFrame* canvas = m_window->frame();
+    canvas->resize(380, 300);
+    QVERIFY(canvas->horizontalScrollBar()->maximum() > 0);
+    canvas->horizontalScrollBar()->setValue(200);
+    QVERIFY(m_window->openProject(saved));
+    QCOMPARE(canvas->horizontalScrollBar()->value(), 0);
+    QCOMPARE(canvas->verticalScrollBar()->value(), 0);
+}
+
 void TestMainWindow::maximizeAndExportMatchTheEngine()
 {
     // The window and a headless session agree on the largest run from one fixture.
@@ -453,6 +492,197 @@ void TestMainWindow::maximizeAndExportMatchTheEngine()
     find<QAction>("actionMaximizeAll")->trigger();
     QCOMPARE(m_prompter->lastArgs.value(1), chosen);
     QCOMPARE(QSettings().value("maximize_fixture_file").toString(), QString());
+}
+
+void TestMainWindow::openingWhatIsNotAProject()
+{
+    // A name with a placeholder in it stays as typed in the title.
+    click("m_DL_AddFixture_Button");
+    click("m_DL_AddJumper_Button");
+    click("m_DL_AddFixture_Button");
+    const QString saved = m_dir->filePath("stage%1.rpproj");
+    QVERIFY(m_window->saveProject(saved));
+    const QString title = m_window->windowTitle();
+    QVERIFY2(title.startsWith("stage%1.rpproj[*] - Runplan Release 3.17.0 [Build 20250205-2cbee83]"), qPrintable(title));
+    const char* const selectors[] = {"m_DLSupply_Combo", "m_DLFixture_Combo", "m_DL_LineVoltage_Combo",
+                                     "m_DL_MaxLoad_Combo", "m_frequencyComboBox", "m_DLController_Combo"};
+    auto choices = [&]() {
+        QStringList out;
+        for (const char* name : selectors)
+            out << QString::number(find<QComboBox>(name)->currentIndex());
+        return out;
+    };
+    const QStringList before = choices();
+
+    // Not a project: refused with an "Open Error"; nothing in the window changes, so Save cannot
+    // write over the file.
+    const QString text = m_dir->filePath("notes.rpproj");
+    QFile notes(text);
+    QVERIFY(notes.open(QIODevice::WriteOnly) && notes.write("shopping list\n") > 0);
+    notes.close();
+    RecordingReporter messages;
+    ScopedGlobalReporter scope(&messages);
+    m_prompter->openAnswers << text;
+    find<QAction>("actionOpen")->trigger();
+    QCOMPARE(messages.messages.size(), 1);
+    QCOMPARE(messages.messages.at(0).title, QStringLiteral("Open Error"));
+    QCOMPARE(m_window->windowTitle(), title);
+    QCOMPARE(m_window->currentFilePath(), saved);
+    QCOMPARE(choices(), before);
+    QCOMPARE(doc()->count(ItemFixture), 2);
+    QVERIFY(m_window->statusBar()->currentMessage().startsWith("Failed to open configuration " + text));
+
+    // A project that breaks off opens as far as it goes, the failure line goes, and the first
+    // Save over it asks: No keeps the file, Yes replaces it, and later Saves ask no more.
+    const QString part = m_dir->filePath("part.rpproj");
+    const QByteArray whole = fileText(saved).toUtf8();
+    const QByteArray cut = whole.left(whole.indexOf("<CWidget CWidgetItemType=\"3\""));
+    QFile partFile(part);
+    QVERIFY(partFile.open(QIODevice::WriteOnly) && partFile.write(cut) == cut.size());
+    partFile.close();
+    m_prompter->openAnswers << part;
+    find<QAction>("actionOpen")->trigger();
+    QCOMPARE(messages.messages.size(), 1);
+    QCOMPARE(m_window->currentFilePath(), part);
+    QCOMPARE(doc()->count(ItemFixture), 1);
+    QCOMPARE(m_window->statusBar()->currentMessage(), QString());
+    m_prompter->notReadWholeAnswers << false << true;
+    find<QAction>("actionSave")->trigger();
+    QCOMPARE(m_prompter->asked.last(), QStringLiteral("notReadWhole"));
+    QCOMPARE(m_prompter->lastArgs, QStringList{"part.rpproj"});
+    QCOMPARE(fileText(part).toUtf8(), cut);
+    find<QAction>("actionSave")->trigger();
+    QVERIFY(fileText(part).endsWith("</Runplan>\n"));
+    const int asked = m_prompter->asked.size();
+    find<QAction>("actionSave")->trigger();
+    QCOMPARE(m_prompter->asked.size(), asked);
+
+    // New after a project that matched no selector entry leaves every selector with one.
+    QVERIFY(partFile.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    partFile.write("<Runplan CurrentSupplyName=\"Gone\" Frequency=\"1\" LineVoltage=\"7\"><CFrame><CWidget");
+    partFile.close();
+    m_prompter->openAnswers << part;
+    find<QAction>("actionOpen")->trigger();
+    QVERIFY(!m_window->notReadWholeReason().isEmpty());
+    QCOMPARE(find<QComboBox>("m_frequencyComboBox")->currentIndex(), -1);
+    find<QAction>("actionNew")->trigger();
+    for (const char* name : selectors) {
+        const QComboBox* combo = find<QComboBox>(name);
+        QVERIFY2(combo->count() == 0 || combo->currentIndex() >= 0, name);
+    }
+    QCOMPARE(find<QComboBox>("m_frequencyComboBox")->currentText(), QStringLiteral("60 Hz"));
+    QVERIFY(m_window->notReadWholeReason().isEmpty());
+}
+
+void TestMainWindow::failedExportKeepsTheOldFile()
+{
+    // The write stops part-way (the file-size limit binds root too and stands in for a full
+    // disk): the earlier export stays byte for byte and no temporary file is left.
+    const QString csv = m_dir->filePath("fixture.csv");
+    QFile old(csv);
+    QVERIFY(old.open(QIODevice::WriteOnly) && old.write("old,table\n") == 10);
+    old.close();
+    struct rlimit saved {};
+    QCOMPARE(getrlimit(RLIMIT_FSIZE, &saved), 0);
+    const struct rlimit small{16, saved.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    m_prompter->saveAnswers << csv;
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
+    find<QAction>("actionMaximizeFixture")->trigger();
+    setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, handler);
+    QCOMPARE(fileText(csv), QStringLiteral("old,table\n"));
+    QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files), QStringList{"fixture.csv"});
+
+    // Without the limit the same export replaces it.
+    m_prompter->saveAnswers << csv;
+    find<QAction>("actionMaximizeFixture")->trigger();
+    QVERIFY(fileText(csv).startsWith("Fixtures, "));
+}
+
+void TestMainWindow::fieldsAndLogShowOnlyTheirOwn()
+{
+    // A Feedwise run 500 ft long, then its enabler deleted: the disabled field keeps no length.
+    QLineEdit* feedwise = find<QLineEdit>("m_DL_Total_PLC_Length_Edit");
+    doc()->root()->applyEditorValue(PropOutputMode, QStringLiteral("Feedwise"));
+    doc()->setCurrent(doc()->root());
+    click("m_DL_AddJunctionBox_Button");
+    auto* wire = qobject_cast<BranchWireWidget*>(doc()->root()->child(0));
+    QVERIFY(wire);
+    wire->setLength(500.0);
+    m_window->DL_Update();
+    QVERIFY(feedwise->isEnabled());
+    QCOMPARE(feedwise->text(), QStringLiteral("500.0"));
+    doc()->setCurrent(doc()->root());
+    m_prompter->deleteAnswers << true;
+    m_window->DL_DeleteLast();
+    QCOMPARE(doc()->count(ItemAny), 1);
+    QVERIFY(!feedwise->isEnabled());
+    QCOMPARE(feedwise->text(), QString());
+    QCOMPARE(feedwise->palette().color(QPalette::Base), Runplan::clearedFieldColor());
+
+    // A line appended in red leaves the user's selection in the log as it was.
+    QTextEdit* log = find<QTextEdit>("m_messageBox");
+    QTextCursor selection(log->document());
+    selection.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+    log->setTextCursor(selection);
+    const QString selected = log->textCursor().selectedText();
+    m_window->statusMessage(QStringLiteral("over <b>limit</b>"), Runplan::failingLogColor());
+    QCOMPARE(log->textCursor().selectedText(), selected);
+    auto colour = [](const QTextBlock& block) { return block.begin().fragment().charFormat().foreground().color(); };
+    QCOMPARE(colour(log->document()->firstBlock()), Runplan::passingLogColor());
+    QCOMPARE(log->document()->lastBlock().text(), QStringLiteral("over <b>limit</b>"));
+    QCOMPARE(colour(log->document()->lastBlock()), Runplan::failingLogColor());
+}
+
+// The boxes themselves, handed to a dialog runner that answers with the default button.
+class DefaultAnswer : public DialogPrompter
+{
+public:
+    QStringList seen;
+    int execDialog(QDialog* dialog) override
+    {
+        auto* box = qobject_cast<QMessageBox*>(dialog);
+        if (!box)
+            return QDialog::Rejected;
+        seen << box->windowTitle() << box->text() << box->defaultButton()->text();
+        const int answer = box->standardButton(box->defaultButton());
+        box->defaultButton()->click();
+        return answer;
+    }
+};
+
+void TestMainWindow::questionBoxes()
+{
+    DefaultAnswer prompter;
+    QVERIFY(!prompter.askReplace(m_window, m_dir->filePath("plan.rpproj")));
+    QVERIFY(!prompter.askReplaceNotReadWhole(m_window, QStringLiteral("stage%1.rpproj")));
+    QCOMPARE(prompter.seen, (QStringList{"Runplan", "\"plan.rpproj\" already exists. Do you want to replace it?",
+                                         "Cancel", "Runplan",
+                                         "stage%1.rpproj was not read completely. Replace it with the "
+                                         "configuration as shown?",
+                                         "&No"}));
+}
+
+void TestMainWindow::withoutACatalog()
+{
+    // In the copy: no catalog, so no analysis ever fills the result labels.
+    if (!qEnvironmentVariableIsEmpty("RUNPLAN_TEST_NO_CATALOG")) {
+        QVERIFY(!Database::instance()->isValid());
+        QCOMPARE(find<QLabel>("m_DL_DerateLoad_Label")->text(), QString());
+        QCOMPARE(find<QLabel>("m_DL_TotalFixtures_Label")->text(), QString());
+        return;
+    }
+    const QString copy = m_dir->filePath("tst_mainwindow");
+    QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), copy));
+    QProcess child;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("RUNPLAN_TEST_NO_CATALOG", "1");
+    child.setProcessEnvironment(env);
+    child.start(copy, {"withoutACatalog"});
+    QVERIFY(child.waitForFinished(120000));
+    QVERIFY2(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0,
+             child.readAllStandardOutput().constData());
 }
 
 QTEST_MAIN(TestMainWindow)
