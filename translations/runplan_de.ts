@@ -120,6 +120,10 @@
         <source>Do you want to delete this component and all the components attached to it?</source>
         <translation>Möchten Sie diese Komponente und alle daran angeschlossenen Komponenten löschen?</translation>
     </message>
+    <message>
+        <source>%1 was not read completely. Replace it with the configuration as shown?</source>
+        <translation>%1 wurde nicht vollständig gelesen. Durch die angezeigte Konfiguration ersetzen?</translation>
+    </message>
 </context>
 <context>
     <name>LoadingDialog</name>
@@ -213,14 +217,6 @@
         <translation>Konfiguration gespeichert</translation>
     </message>
     <message>
-        <source>nested more than %1 levels</source>
-        <translation>mehr als %1 Ebenen tief verschachtelt</translation>
-    </message>
-    <message>
-        <source>a component holds more than %1 others</source>
-        <translation>eine Komponente enthält mehr als %1 andere</translation>
-    </message>
-    <message>
         <source>Failed to open configuration: %1</source>
         <translation>Konfiguration konnte nicht geöffnet werden: %1</translation>
     </message>
@@ -253,6 +249,16 @@
     <message>
         <source>Found NULL CFrame element</source>
         <translation>Leeres CFrame-Element gefunden</translation>
+    </message>
+    <message>
+        <source>The project</source>
+        <translation>Das Projekt</translation>
+    </message>
+    <message>
+        <source>Cannot open %1 as a project:
+%2.</source>
+        <translation>%1 kann nicht als Projekt geöffnet werden:
+%2.</translation>
     </message>
 </context>
 <context>
