@@ -260,6 +260,26 @@
         <translation>%1 kann nicht als Projekt geöffnet werden:
 %2.</translation>
     </message>
+    <message>
+        <source>line %1, column %2: %3</source>
+        <translation>Zeile %1, Spalte %2: %3</translation>
+    </message>
+    <message>
+        <source>nested more than %1 levels</source>
+        <translation>mehr als %1 Ebenen tief verschachtelt</translation>
+    </message>
+    <message>
+        <source>a component holds more than %1 others</source>
+        <translation>eine Komponente enthält mehr als %1 andere</translation>
+    </message>
+    <message>
+        <source>not well-formed XML (%1)</source>
+        <translation>kein wohlgeformtes XML (%1)</translation>
+    </message>
+    <message>
+        <source>its root element is &quot;%1&quot;, not &quot;Runplan&quot;</source>
+        <translation>sein Wurzelelement ist &quot;%1&quot;, nicht &quot;Runplan&quot;</translation>
+    </message>
 </context>
 <context>
     <name>QObject</name>
