@@ -3,7 +3,7 @@
 set -euo pipefail
 packages=(cmake g++ make ccache qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgl-dev
           libqt6svg6 qt6-qpa-plugins xvfb xauth
-          qt6-tools-dev qt6-l10n-tools
+          poppler-utils qt6-tools-dev qt6-l10n-tools
           dpkg-dev desktop-file-utils appstream libxml2-utils shared-mime-info man-db lintian)
 # One dpkg query for the whole list keeps the common case (everything installed) quick.
 installed=$(dpkg-query -W -f='${Package} ${Status}\n' "${packages[@]}" 2>/dev/null |

@@ -3,6 +3,8 @@
 
 #include "catalog/DLRecords.h"
 #include "catalog/Database.h"
+#include "model/CWidget.h"
+#include "model/ConfigDocument.h"
 #include "catalog/Reporter.h"
 
 #include "TestSupport.h"
@@ -156,6 +158,13 @@ private slots:
         QCOMPARE(l.db.controllers().values(), (QList<int>{0, 0, 0, 7, 9}));
         QCOMPARE(l.db.locations().keys(), QStringList({"Above Ground", "Plenum", "Wet"}));
         QCOMPARE(l.db.locations().values(), (QList<double>{0.005, 0.003, 0.0}));
+        // Offered in file order, each once; the first is where the first branch wire goes.
+        QCOMPARE(l.db.locationNames(), QStringList({"Wet", "Above Ground", "Plenum"}));
+        ConfigDocument doc(&l.db);
+        QCOMPARE(doc.lastLocation(), "Wet");
+        BranchWireWidget wire(&l.db, l.db.firstBranchWire());
+        wire.setLocation(doc.lastLocation());
+        QCOMPARE(wire.editorRule(PropLocation).choices, QStringList({"Wet", "Above Ground", "Plenum"}));
 
         // Milliohms become ohms; an absent MaxLeaderLength is 999 on a fixed cable.
         const VxJumper* fixed = l.db.firstBranchWire();

@@ -257,9 +257,14 @@ private slots:
         while (deepest->childCount() > 0)
             deepest = deepest->child(deepest->childCount() - 1);
         const QModelIndex idx = copy.indexOf(deepest);
-        const int column = deepest->propertyIds().contains(PropType) ? PropType : PropName;
-        QVERIFY(copy.model()->setData(copy.model()->index(idx.row(), column, idx.parent()),
-                                      deepest->cellData(column, Qt::EditRole), Qt::EditRole));
+        const EditorRule types = deepest->editorRule(PropType);
+        QVERIFY(types.choices.size() > 1);
+        const QModelIndex cell = copy.model()->index(idx.row(), PropType, idx.parent());
+        // The type it already has changes nothing; another one is an edit.
+        QVERIFY(copy.model()->setData(cell, types.choices.at(types.currentIndex), Qt::EditRole));
+        QCOMPARE(edited.count(), 0);
+        QVERIFY(!copy.isModified());
+        QVERIFY(copy.model()->setData(cell, types.choices.at(types.currentIndex == 0 ? 1 : 0), Qt::EditRole));
         QCOMPARE(edited.count(), 1);
         QVERIFY(copy.isModified());
     }

@@ -6,8 +6,10 @@
 #include "app/Runplan.h"
 #include "canvas/CFrame.h"
 #include "calc/Session.h"
+#include "model/ProjectFile.h"
 #include "catalog/Database.h"
 #include "model/CWidget.h"
+#include "model/CWidgetModel.h"
 #include "model/ConfigDocument.h"
 
 #include <QAction>
@@ -69,6 +71,11 @@ public:
     }
     bool confirmDelete(QWidget*) override { return take("delete", deleteAnswers); }
     int execDialog(QDialog*) override { return take("dialog", m_none) ? QDialog::Accepted : QDialog::Rejected; }
+    QList<bool> recoverAnswers;
+    bool askRecover(QWidget*, const QString& displayName) override
+    {
+        return take("recover", recoverAnswers, {displayName});
+    }
 
 private:
     template <typename T>
@@ -94,8 +101,7 @@ private slots:
     void init();
     void cleanup();
 
-    void addButtonsFollowTheSelection_data();
-    void addButtonsFollowTheSelection();
+    void addButtonsFollowEveryChange();
     void enablerChangeAsksBeforeClearing();
     void fixtureChangeAsksWhenFamiliesDiffer();
     void customVoltageAndLoad();
@@ -108,6 +114,7 @@ private slots:
     void fieldsAndLogShowOnlyTheirOwn();
     void questionBoxes();
     void withoutACatalog();
+    void designExportsAndShowVoltages();
 
 private:
     // The window's widgets, found by their object names.
@@ -160,69 +167,40 @@ void TestMainWindow::cleanup()
     delete m_dir;
 }
 
-void TestMainWindow::addButtonsFollowTheSelection_data()
+void TestMainWindow::addButtonsFollowEveryChange()
 {
-    // Steps, run in order on a fresh window: add a "fixture", "jumper" or "box"; "receiver" as a
-    // project would bring one (its button is hidden); select the "parent" or the "root"; "delete"
-    // the current component; make the enabler "feedwise"; choose a family-1 fixture ("family1");
-    // select "nothing". Buttons the row's selection leaves in their earlier state are not compared.
-    QTest::addColumn<QString>("steps");
-    QTest::addColumn<QString>("leftAlone");
-    QTest::addColumn<QString>("enabled");
+    // The buttons show the document's rule (tested in the core) for the selected component, also
+    // after an edit of it, a load and a reset, not only when the selection changes.
+    auto enabled = [this]() {
+        QStringList on;
+        const std::pair<const char*, const char*> buttons[] = {
+            {"fixture", "m_DL_AddFixture_Button"}, {"jumper", "m_DL_AddJumper_Button"},
+            {"leader", "m_DL_AddLeader_Button"},   {"receiver", "m_DL_AddReceiver_Button"},
+            {"box", "m_DL_AddJunctionBox_Button"}, {"enabler", "m_DL_AddSupply_Button"},
+            {"maximize", "m_DL_Maximize_Button"}};
+        for (const auto& [label, name] : buttons)
+            if (find<QPushButton>(name)->isEnabled())
+                on << label;
+        return on.join(' ');
+    };
+    click("m_DL_AddFixture_Button");
+    QCOMPARE(enabled(), QStringLiteral("fixture jumper maximize"));
+    m_window->DL_DeleteLast();
+    QCOMPARE(doc()->current(), doc()->root());
+    QCOMPARE(enabled(), QStringLiteral("fixture jumper leader box maximize"));
 
-    QTest::newRow("empty Dynaline enabler") << "root" << "jumper" << "fixture leader box maximize";
-    QTest::newRow("enabler with a child") << "fixture root" << "jumper receiver" << "";
-    QTest::newRow("fixture") << "fixture" << "receiver" << "fixture jumper maximize";
-    QTest::newRow("jumper") << "fixture jumper" << "jumper receiver" << "fixture maximize";
-    QTest::newRow("fixture with its jumper") << "fixture jumper parent" << "receiver" << "";
-    QTest::newRow("Dynaline junction box") << "box" << "jumper" << "fixture leader box enabler maximize";
-    QTest::newRow("Dynaline branch wire") << "box delete" << "jumper receiver" << "box maximize";
-    QTest::newRow("Feedwise enabler") << "feedwise" << "jumper" << "fixture receiver box enabler maximize";
-    QTest::newRow("Feedwise enabler, family 1") << "feedwise family1" << "jumper" << "receiver box enabler";
-    QTest::newRow("Feedwise branch wire") << "feedwise box delete" << "jumper" << "receiver box enabler maximize";
-    QTest::newRow("receiver") << "feedwise receiver" << "jumper" << "fixture leader receiver box maximize";
-    QTest::newRow("Feedwise wire with a receiver") << "feedwise receiver parent" << "jumper receiver" << "";
-    QTest::newRow("nothing selected") << "fixture nothing" << "" << "";
-}
+    // The enabler's output mode edited in the table: a Feedwise enabler takes no leader.
+    const QModelIndex mode = doc()->currentIndex().siblingAtColumn(PropOutputMode);
+    QVERIFY(doc()->model()->setData(mode, QStringLiteral("Feedwise")));
+    QCOMPARE(enabled(), QStringLiteral("fixture jumper receiver box enabler maximize"));
 
-void TestMainWindow::addButtonsFollowTheSelection()
-{
-    QFETCH(QString, steps);
-    QFETCH(QString, leftAlone);
-    QFETCH(QString, enabled);
-
-    for (const QString& step : steps.split(' ')) {
-        if (step == "fixture" || step == "jumper" || step == "box")
-            click(step == "fixture" ? "m_DL_AddFixture_Button"
-                                    : step == "jumper" ? "m_DL_AddJumper_Button" : "m_DL_AddJunctionBox_Button");
-        else if (step == "receiver")
-            m_window->on_m_DL_AddReceiver_Button_clicked();
-        else if (step == "parent")
-            doc()->setCurrent(doc()->current()->parentWidget());
-        else if (step == "root")
-            doc()->setCurrent(doc()->root());
-        else if (step == "delete")
-            m_window->DL_DeleteLast();
-        else if (step == "nothing")
-            doc()->setCurrentIndex(QModelIndex());
-        else if (step == "feedwise" || step == "family1") {
-            if (step == "feedwise")
-                doc()->root()->applyEditorValue(PropOutputMode, QStringLiteral("Feedwise"));
-            else
-                m_window->selectFixtureIndex(comboIndex("m_DLFixture_Combo", "Linea Inline Dynaline 1ft"));
-            doc()->setCurrent(doc()->root());
-        }
-    }
-    QStringList on;
-    const std::pair<const char*, const char*> buttons[] = {
-        {"fixture", "m_DL_AddFixture_Button"},   {"jumper", "m_DL_AddJumper_Button"},
-        {"leader", "m_DL_AddLeader_Button"},     {"receiver", "m_DL_AddReceiver_Button"},
-        {"box", "m_DL_AddJunctionBox_Button"},   {"enabler", "m_DL_AddSupply_Button"},
-        {"maximize", "m_DL_Maximize_Button"}};
-    for (const auto& [label, name] : buttons)
-        if (find<QPushButton>(name)->isEnabled() && !leftAlone.split(' ').contains(QLatin1String(label)))
-            on << label;
-    QCOMPARE(on.join(' '), enabled);
+    // A load that leaves the canvas empty leaves nothing to add to; Reset places an enabler again.
+    HeaderValues header;
+    ProjectFile::read("<Runplan><CFrame/></Runplan>", *doc(), header, nullptr);
+    QVERIFY(!doc()->root());
+    QCOMPARE(enabled(), QString());
+    m_window->on_m_DL_Reset_Button_clicked();
+    QCOMPARE(enabled(), QStringLiteral("fixture leader box maximize"));
 }
 
 void TestMainWindow::enablerChangeAsksBeforeClearing()
@@ -683,6 +661,39 @@ void TestMainWindow::withoutACatalog()
     QVERIFY(child.waitForFinished(120000));
     QVERIFY2(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0,
              child.readAllStandardOutput().constData());
+}
+
+// File › "Export Report..." and "Export Bill of Materials..." write what the user names; View ›
+// "Show Voltages" is off until chosen, and then remembered.
+void TestMainWindow::designExportsAndShowVoltages()
+{
+    auto* show = find<QAction>("actionShowVoltages");
+    auto* canvas = find<CFrame>("m_DL_Frame");
+    QVERIFY(show->isCheckable() && !show->isChecked());
+    QVERIFY(!canvas->showsVoltages());
+    show->trigger();
+    QVERIFY(canvas->showsVoltages());
+    {
+        Runplan again;
+        QVERIFY(again.findChild<QAction*>(QStringLiteral("actionShowVoltages"))->isChecked());
+        QVERIFY(again.findChild<CFrame*>(QStringLiteral("m_DL_Frame"))->showsVoltages());
+    }
+    show->trigger();
+    QVERIFY(!QSettings().value(QStringLiteral("rplan_show_voltages")).toBool());
+
+    const QString csv = m_dir->filePath(QStringLiteral("parts.csv"));
+    const QString pdf = m_dir->filePath(QStringLiteral("plan.pdf"));
+    m_prompter->saveAnswers = {csv, pdf, QString()};
+    find<QAction>("actionExportBillOfMaterials")->trigger();
+    QVERIFY(m_prompter->lastArgs.value(1).endsWith(QStringLiteral("untitled.csv")));
+    QVERIFY(fileText(csv).startsWith(QStringLiteral("Kind,Catalog Name,Type,Gauge,Location,Quantity,Total "
+                                                    "Length (ft)\r\nEnabler,")));
+    find<QAction>("actionExportReport")->trigger();
+    QFile report(pdf);
+    QVERIFY(report.open(QIODevice::ReadOnly));
+    QVERIFY(report.read(5) == "%PDF-");
+    find<QAction>("actionExportReport")->trigger(); // cancelled: nothing written
+    QCOMPARE(m_prompter->asked, (QStringList{"save", "save", "save"}));
 }
 
 QTEST_MAIN(TestMainWindow)
