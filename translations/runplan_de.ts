@@ -2,6 +2,179 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
+    <name>Analysis</name>
+    <message>
+        <source>
+Fixture count in current run (%1) exceeded the fixture type&apos;s maximum (%2).</source>
+        <translation>
+Leuchtenzahl im aktuellen Strang (%1) überschreitet das Maximum des Leuchtentyps (%2).</translation>
+    </message>
+    <message>
+        <source>
+Total length exceeds the fixture type&apos;s maximum of %1 ft.</source>
+        <translation>
+Gesamtlänge überschreitet das Maximum des Leuchtentyps von %1 ft.</translation>
+    </message>
+    <message>
+        <source>
+Total voltage drop exceeded the fixture type&apos;s maximum of %1 volts.</source>
+        <translation>
+Gesamter Spannungsabfall überschreitet das Maximum des Leuchtentyps von %1 Volt.</translation>
+    </message>
+    <message>
+        <source>
+Voltage dropped exceeded the fixture type&apos;s maximum percentage of %1.</source>
+        <translation>
+Spannungsabfall überschreitet den maximalen Prozentsatz des Leuchtentyps von %1.</translation>
+    </message>
+    <message>
+        <source>
+Total power exceeded the fixture type&apos;s maximum of %1 watts.</source>
+        <translation>
+Gesamtleistung überschreitet das Maximum des Leuchtentyps von %1 Watt.</translation>
+    </message>
+    <message>
+        <source>
+Total current exceeded  the fixture type&apos;s maximum of %1 amps.</source>
+        <translation>
+Gesamtstrom überschreitet das Maximum des Leuchtentyps von %1 Ampere.</translation>
+    </message>
+    <message>
+        <source>
+Voltage dropped below the fixture type&apos;s minimum of %1 volts.</source>
+        <translation>
+Spannung fiel unter das Minimum des Leuchtentyps von %1 Volt.</translation>
+    </message>
+    <message>
+        <source>
+Total current of %1 amps exceeded the maximum load of %2.</source>
+        <translation>
+Gesamtstrom von %1 Ampere überschreitet die maximale Last von %2.</translation>
+    </message>
+    <message>
+        <source>
+Receiver count (%1) exceeded this controller&apos;s maximum (%2).</source>
+        <translation>
+Receiverzahl (%1) überschreitet das Maximum dieses Controllers (%2).</translation>
+    </message>
+    <message>
+        <source>
+Dynaline run ending at fixture %1 exceeds its enabler&apos;s maximum fixture count.</source>
+        <translation>
+Der Dynaline-Strang, der an Leuchte %1 endet, überschreitet die maximale Leuchtenzahl seines Enablers.</translation>
+    </message>
+    <message>
+        <source>
+Dynaline length from Feedwise Receiver #%1 = %2</source>
+        <translation>
+Dynaline-Länge ab Feedwise-Receiver #%1 = %2</translation>
+    </message>
+    <message>
+        <source>
+Dynaline run ending at %1 #%2 is too long (%3 ft).</source>
+        <translation>
+Der Dynaline-Strang, der an %1 #%2 endet, ist zu lang (%3 ft).</translation>
+    </message>
+    <message>
+        <source>fixture</source>
+        <translation>Leuchte</translation>
+    </message>
+    <message>
+        <source>jumper</source>
+        <translation>Jumper</translation>
+    </message>
+    <message>
+        <source>
+Total Dynaline length of %1 exceeds total limit of %2.</source>
+        <translation>
+Dynaline-Gesamtlänge von %1 überschreitet die Gesamtgrenze von %2.</translation>
+    </message>
+    <message>
+        <source>(derated to %1 amps)</source>
+        <translation>(reduziert auf %1 Ampere)</translation>
+    </message>
+    <message>
+        <source>Total Fixtures: %1</source>
+        <translation>Leuchten gesamt: %1</translation>
+    </message>
+    <message>
+        <source>
+Total Inrush Current = %1 amps</source>
+        <translation>
+Gesamter Einschaltstrom = %1 Ampere</translation>
+    </message>
+    <message>
+        <source>
+Total Current Leakage = %1 amps</source>
+        <translation>
+Gesamter Ableitstrom = %1 Ampere</translation>
+    </message>
+    <message>
+        <source>Length = %1 Power = %2 Current = %3 VDrop = %4%5%6%7 R = %8</source>
+        <translation>Länge = %1 Leistung = %2 Strom = %3 U-Abfall = %4%5%6%7 R = %8</translation>
+    </message>
+    <message>
+        <source>fixture count</source>
+        <translation>Leuchtenzahl</translation>
+    </message>
+    <message>
+        <source>fixture type&apos;s length</source>
+        <translation>Länge des Leuchtentyps</translation>
+    </message>
+    <message>
+        <source>run length</source>
+        <translation>Stranglänge</translation>
+    </message>
+    <message>
+        <source>voltage drop</source>
+        <translation>Spannungsabfall</translation>
+    </message>
+    <message>
+        <source>voltage drop share</source>
+        <translation>Anteil des Spannungsabfalls</translation>
+    </message>
+    <message>
+        <source>power</source>
+        <translation>Leistung</translation>
+    </message>
+    <message>
+        <source>current</source>
+        <translation>Strom</translation>
+    </message>
+    <message>
+        <source>minimum voltage</source>
+        <translation>Mindestspannung</translation>
+    </message>
+    <message>
+        <source>at most %1 fixtures</source>
+        <translation>höchstens %1 Leuchten</translation>
+    </message>
+    <message>
+        <source>at most %1 ft</source>
+        <translation>höchstens %1 ft</translation>
+    </message>
+    <message>
+        <source>at most %1 V</source>
+        <translation>höchstens %1 V</translation>
+    </message>
+    <message>
+        <source>at most %1 of the line voltage</source>
+        <translation>höchstens %1 der Netzspannung</translation>
+    </message>
+    <message>
+        <source>at most %1 W</source>
+        <translation>höchstens %1 W</translation>
+    </message>
+    <message>
+        <source>at most %1 A</source>
+        <translation>höchstens %1 A</translation>
+    </message>
+    <message>
+        <source>at least %1 V</source>
+        <translation>mindestens %1 V</translation>
+    </message>
+</context>
+<context>
     <name>CFrame</name>
     <message>
         <source>Delete multiple items</source>
@@ -14,6 +187,10 @@
     <message>
         <source>Delete</source>
         <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>%1 V</source>
+        <translation>%1 V</translation>
     </message>
 </context>
 <context>
@@ -79,6 +256,427 @@
     </message>
 </context>
 <context>
+    <name>CommandText</name>
+    <message>
+        <source>Add %1</source>
+        <translation>%1 hinzufügen</translation>
+    </message>
+    <message>
+        <source>Delete %1</source>
+        <translation>%1 löschen</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Change %1</source>
+        <translation>%1 ändern</translation>
+    </message>
+    <message>
+        <source>Maximize</source>
+        <translation>Maximieren</translation>
+    </message>
+    <message>
+        <source>Reset</source>
+        <translation>Zurücksetzen</translation>
+    </message>
+    <message>
+        <source>New</source>
+        <translation>Neu</translation>
+    </message>
+    <message>
+        <source>Enabler</source>
+        <translation>Enabler</translation>
+    </message>
+    <message>
+        <source>Leader</source>
+        <translation>Zuleitung</translation>
+    </message>
+    <message>
+        <source>Fixture</source>
+        <translation>Leuchte</translation>
+    </message>
+    <message>
+        <source>Jumper</source>
+        <translation>Jumper</translation>
+    </message>
+    <message>
+        <source>Receiver</source>
+        <translation>Receiver</translation>
+    </message>
+    <message>
+        <source>Branch Wire</source>
+        <translation>Abzweigleitung</translation>
+    </message>
+    <message>
+        <source>Junction Box</source>
+        <translation>Abzweigdose</translation>
+    </message>
+</context>
+<context>
+    <name>Database</name>
+    <message>
+        <source>Error in database file:
+Jumper/Leader element with no Name</source>
+        <translation>Fehler in der Datenbankdatei:
+Jumper-/Leader-Element ohne Name</translation>
+    </message>
+    <message>
+        <source>Error parsing %1
+MaxVoltageDrop, MinVoltage, and VoltageDropPercent are zero</source>
+        <translation>Fehler beim Lesen von %1
+MaxVoltageDrop, MinVoltage und VoltageDropPercent sind null</translation>
+    </message>
+    <message>
+        <source>Error parsing %1
+MaxElectricalLength and MaxNumFixtures are both zero</source>
+        <translation>Fehler beim Lesen von %1
+MaxElectricalLength und MaxNumFixtures sind beide null</translation>
+    </message>
+    <message>
+        <source>elements nested more than %1 levels deep</source>
+        <translation>Elemente mehr als %1 Ebenen tief verschachtelt</translation>
+    </message>
+    <message>
+        <source>Cannot read database file %1:
+%2.</source>
+        <translation>Die Datenbankdatei %1 kann nicht gelesen werden:
+%2.</translation>
+    </message>
+    <message>
+        <source>Error parsing database file %1:
+%2
+Line %3 Column %4</source>
+        <translation>Fehler beim Lesen der Datenbankdatei %1:
+%2
+Zeile %3 Spalte %4</translation>
+    </message>
+    <message>
+        <source>Error in database file %1:
+DBVersion %2 not found.</source>
+        <translation>Fehler in der Datenbankdatei %1:
+DBVersion %2 nicht gefunden.</translation>
+    </message>
+    <message>
+        <source>Error in database file %1:
+DBVersion %2 does not match previous (%3)</source>
+        <translation>Fehler in der Datenbankdatei %1:
+DBVersion %2 stimmt nicht mit der vorherigen (%3) überein</translation>
+    </message>
+    <message>
+        <source>Error in database file %1:
+%2 element with no Name</source>
+        <translation>Fehler in der Datenbankdatei %1:
+%2-Element ohne Name</translation>
+    </message>
+    <message>
+        <source>Error in database file %1:
+%2 %3 has unknown type</source>
+        <translation>Fehler in der Datenbankdatei %1:
+%2 %3 hat einen unbekannten Typ</translation>
+    </message>
+    <message>
+        <source>Error parsing &quot;%1&quot; field for %2</source>
+        <translation>Fehler beim Lesen des Felds &quot;%1&quot; für %2</translation>
+    </message>
+    <message>
+        <source>Error in database file:
+CustomWire element with no Name</source>
+        <translation>Fehler in der Datenbankdatei:
+CustomWire-Element ohne Name</translation>
+    </message>
+    <message>
+        <source>Error parsing &quot;Valid Supply&quot; item for fixture %1.
+Supply %2 not defined.</source>
+        <translation>Fehler beim Lesen des Eintrags &quot;Valid Supply&quot; für Leuchte %1.
+Versorgung %2 ist nicht definiert.</translation>
+    </message>
+</context>
+<context>
+    <name>DesignReport</name>
+    <message>
+        <source>Enabler</source>
+        <translation>Enabler</translation>
+    </message>
+    <message>
+        <source>Supply</source>
+        <translation>Versorgung</translation>
+    </message>
+    <message>
+        <source>Leader</source>
+        <translation>Zuleitung</translation>
+    </message>
+    <message>
+        <source>Fixture</source>
+        <translation>Leuchte</translation>
+    </message>
+    <message>
+        <source>Jumper</source>
+        <translation>Jumper</translation>
+    </message>
+    <message>
+        <source>Receiver</source>
+        <translation>Receiver</translation>
+    </message>
+    <message>
+        <source>Branch Wire</source>
+        <translation>Abzweigleitung</translation>
+    </message>
+    <message>
+        <source>Junction Box</source>
+        <translation>Abzweigdose</translation>
+    </message>
+    <message>
+        <source>Component</source>
+        <translation>Komponente</translation>
+    </message>
+    <message>
+        <source>Kind</source>
+        <translation>Art</translation>
+    </message>
+    <message>
+        <source>Catalog Name</source>
+        <translation>Katalogname</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>Typ</translation>
+    </message>
+    <message>
+        <source>Gauge</source>
+        <translation>Querschnitt</translation>
+    </message>
+    <message>
+        <source>Location</source>
+        <translation>Verlegeort</translation>
+    </message>
+    <message>
+        <source>Quantity</source>
+        <translation>Menge</translation>
+    </message>
+    <message>
+        <source>Total Length (ft)</source>
+        <translation>Gesamtlänge (ft)</translation>
+    </message>
+    <message>
+        <source>%1 #%2</source>
+        <translation>%1 #%2</translation>
+    </message>
+    <message>
+        <source>Voltage: %1 V</source>
+        <translation>Spannung: %1 V</translation>
+    </message>
+    <message>
+        <source> (minimum %1 V)</source>
+        <translation> (Minimum %1 V)</translation>
+    </message>
+    <message>
+        <source>Drop from the enabler: %1 V (%2 % of the line voltage)</source>
+        <translation>Abfall ab dem Enabler: %1 V (%2 % der Netzspannung)</translation>
+    </message>
+    <message>
+        <source>Current: %1 A</source>
+        <translation>Strom: %1 A</translation>
+    </message>
+    <message>
+        <source>Power at and below: %1 W</source>
+        <translation>Leistung hier und darunter: %1 W</translation>
+    </message>
+    <message>
+        <source>%1 %2 V (%3 % of the margin above it used)</source>
+        <translation>%1 %2 V (%3 % des Spielraums darüber genutzt)</translation>
+    </message>
+    <message>
+        <source>%1 %2 of %3 (%4 % used)</source>
+        <translation>%1 %2 von %3 (%4 % genutzt)</translation>
+    </message>
+    <message>
+        <source>Nearest limits: %1</source>
+        <translation>Nächste Grenzwerte: %1</translation>
+    </message>
+    <message>
+        <source>Worst of the %1 runs through it: the run ending at %2</source>
+        <translation>Ungünstigster der %1 Stränge hindurch: der Strang, der an %2 endet</translation>
+    </message>
+    <message>
+        <source>Run ending at %1</source>
+        <translation>Strang endend an %1</translation>
+    </message>
+    <message>
+        <source>Runplan Design Report</source>
+        <translation>Runplan-Planungsbericht</translation>
+    </message>
+    <message>
+        <source>(not saved)</source>
+        <translation>(nicht gespeichert)</translation>
+    </message>
+    <message>
+        <source>Project</source>
+        <translation>Projekt</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>Line voltage</source>
+        <translation>Netzspannung</translation>
+    </message>
+    <message>
+        <source>%1 V</source>
+        <translation>%1 V</translation>
+    </message>
+    <message>
+        <source>Frequency</source>
+        <translation>Frequenz</translation>
+    </message>
+    <message>
+        <source>%1 Hz</source>
+        <translation>%1 Hz</translation>
+    </message>
+    <message>
+        <source>Circuit load</source>
+        <translation>Kreislast</translation>
+    </message>
+    <message>
+        <source>%1 A (derated to %2 A)</source>
+        <translation>%1 A (reduziert auf %2 A)</translation>
+    </message>
+    <message>
+        <source>Controller</source>
+        <translation>Controller</translation>
+    </message>
+    <message>
+        <source>Catalog version</source>
+        <translation>Katalogversion</translation>
+    </message>
+    <message>
+        <source>Program version</source>
+        <translation>Programmversion</translation>
+    </message>
+    <message>
+        <source>PASS</source>
+        <translation>BESTANDEN</translation>
+    </message>
+    <message>
+        <source>FAIL</source>
+        <translation>NICHT BESTANDEN</translation>
+    </message>
+    <message>
+        <source>Run</source>
+        <translation>Strang</translation>
+    </message>
+    <message>
+        <source>End</source>
+        <translation>Ende</translation>
+    </message>
+    <message>
+        <source>Fixtures</source>
+        <translation>Leuchten</translation>
+    </message>
+    <message>
+        <source>Length (ft)</source>
+        <translation>Länge (ft)</translation>
+    </message>
+    <message>
+        <source>Power (W)</source>
+        <translation>Leistung (W)</translation>
+    </message>
+    <message>
+        <source>Current (A)</source>
+        <translation>Strom (A)</translation>
+    </message>
+    <message>
+        <source>Drop (V)</source>
+        <translation>Abfall (V)</translation>
+    </message>
+    <message>
+        <source>Drop (%)</source>
+        <translation>Abfall (%)</translation>
+    </message>
+    <message>
+        <source>At end (V)</source>
+        <translation>Am Ende (V)</translation>
+    </message>
+    <message>
+        <source>Result</source>
+        <translation>Ergebnis</translation>
+    </message>
+    <message>
+        <source>Limits: none</source>
+        <translation>Grenzwerte: keine</translation>
+    </message>
+    <message>
+        <source>Limits: %1</source>
+        <translation>Grenzwerte: %1</translation>
+    </message>
+    <message>
+        <source>Longer than its run length limit of %1 ft.</source>
+        <translation>Länger als die Grenze der Stranglänge von %1 ft.</translation>
+    </message>
+    <message>
+        <source>Total length</source>
+        <translation>Gesamtlänge</translation>
+    </message>
+    <message>
+        <source>%1 ft</source>
+        <translation>%1 ft</translation>
+    </message>
+    <message>
+        <source>Total power</source>
+        <translation>Gesamtleistung</translation>
+    </message>
+    <message>
+        <source>%1 W</source>
+        <translation>%1 W</translation>
+    </message>
+    <message>
+        <source>Total current</source>
+        <translation>Gesamtstrom</translation>
+    </message>
+    <message>
+        <source>%1 A of %2 A derated load</source>
+        <translation>%1 A von %2 A reduzierter Last</translation>
+    </message>
+    <message>
+        <source>Largest voltage drop</source>
+        <translation>Größter Spannungsabfall</translation>
+    </message>
+    <message>
+        <source>Largest run resistance</source>
+        <translation>Größter Strangwiderstand</translation>
+    </message>
+    <message>
+        <source>%1 ohm</source>
+        <translation>%1 Ohm</translation>
+    </message>
+    <message>
+        <source>Receivers</source>
+        <translation>Receiver</translation>
+    </message>
+    <message>
+        <source>Inrush current</source>
+        <translation>Einschaltstrom</translation>
+    </message>
+    <message>
+        <source>%1 A</source>
+        <translation>%1 A</translation>
+    </message>
+    <message>
+        <source>not given</source>
+        <translation>nicht angegeben</translation>
+    </message>
+    <message>
+        <source>Leakage current</source>
+        <translation>Ableitstrom</translation>
+    </message>
+    <message>
+        <source>Feedwise length</source>
+        <translation>Feedwise-Länge</translation>
+    </message>
+</context>
+<context>
     <name>DialogPrompter</name>
     <message>
         <source>This operation will clear the current configuration</source>
@@ -124,6 +722,67 @@
         <source>%1 was not read completely. Replace it with the configuration as shown?</source>
         <translation>%1 wurde nicht vollständig gelesen. Durch die angezeigte Konfiguration ersetzen?</translation>
     </message>
+    <message>
+        <source>Runplan closed unexpectedly. Recover the unsaved changes to %1?</source>
+        <translation>Runplan wurde unerwartet beendet. Die nicht gespeicherten Änderungen an %1 wiederherstellen?</translation>
+    </message>
+    <message>
+        <source>Recover</source>
+        <translation>Wiederherstellen</translation>
+    </message>
+    <message>
+        <source>Discard</source>
+        <translation>Verwerfen</translation>
+    </message>
+</context>
+<context>
+    <name>DocumentLifecycle</name>
+    <message>
+        <source>Untitled.rpproj</source>
+        <translation>Untitled.rpproj</translation>
+    </message>
+    <message>
+        <source>%1[*] - %2 Release %3.%4.%5 [Build %6-%7]</source>
+        <translation>%1[*] - %2 Version %3.%4.%5 [Build %6-%7]</translation>
+    </message>
+    <message>
+        <source>&amp;Save %1</source>
+        <translation>%1 &amp;speichern</translation>
+    </message>
+    <message>
+        <source>Save %1 &amp;As...</source>
+        <translation>%1 speichern &amp;unter …</translation>
+    </message>
+    <message>
+        <source>Open Configuration</source>
+        <translation>Konfiguration öffnen</translation>
+    </message>
+    <message>
+        <source>Save Configuration</source>
+        <translation>Konfiguration speichern</translation>
+    </message>
+    <message>
+        <source>Configuration Files (*.rpproj);;All Files (*.* *)</source>
+        <translation>Konfigurationsdateien (*.rpproj);;Alle Dateien (*.* *)</translation>
+    </message>
+</context>
+<context>
+    <name>ExportRunner</name>
+    <message>
+        <source>cannot write %1: %2</source>
+        <translation>%1 kann nicht geschrieben werden: %2</translation>
+    </message>
+    <message>
+        <source>writing %1 failed: %2</source>
+        <translation>Schreiben von %1 fehlgeschlagen: %2</translation>
+    </message>
+</context>
+<context>
+    <name>HeaderChoices</name>
+    <message>
+        <source>Other</source>
+        <translation>Other</translation>
+    </message>
 </context>
 <context>
     <name>LoadingDialog</name>
@@ -138,6 +797,13 @@
     <message>
         <source>Runplan</source>
         <translation>Runplan</translation>
+    </message>
+</context>
+<context>
+    <name>Maximize</name>
+    <message>
+        <source>Fixture Count is now: %1</source>
+        <translation>Leuchtenzahl ist jetzt: %1</translation>
     </message>
 </context>
 <context>
@@ -189,10 +855,6 @@
     <message>
         <source>Stylebar Tint (RGBA/RGBW) Dynaline 4ft</source>
         <translation>Stylebar Tint (RGBA/RGBW) Dynaline 4ft</translation>
-    </message>
-    <message>
-        <source>Other</source>
-        <translation>Other</translation>
     </message>
     <message>
         <source>Failed to save configuration: %1</source>
@@ -282,10 +944,34 @@
     </message>
 </context>
 <context>
-    <name>QObject</name>
+    <name>ReportPdf</name>
     <message>
-        <source>Configuration Files (*.rpproj);;All Files (*.* *)</source>
-        <translation>Konfigurationsdateien (*.rpproj);;Alle Dateien (*.* *)</translation>
+        <source>Run diagram</source>
+        <translation>Strangdiagramm</translation>
+    </message>
+    <message>
+        <source>Run diagram, part %1 of %2</source>
+        <translation>Strangdiagramm, Teil %1 von %2</translation>
+    </message>
+    <message>
+        <source>Result: %1</source>
+        <translation>Ergebnis: %1</translation>
+    </message>
+    <message>
+        <source>Circuit totals</source>
+        <translation>Summen des Stromkreises</translation>
+    </message>
+    <message>
+        <source>Runs</source>
+        <translation>Stränge</translation>
+    </message>
+    <message>
+        <source>Bill of materials</source>
+        <translation>Stückliste</translation>
+    </message>
+    <message>
+        <source>Page %1 of %2</source>
+        <translation>Seite %1 von %2</translation>
     </message>
 </context>
 <context>
@@ -339,16 +1025,8 @@
         <translation>Das Programm beenden, nicht gespeicherte Änderungen werden geprüft</translation>
     </message>
     <message>
-        <source>Other</source>
-        <translation>Other</translation>
-    </message>
-    <message>
         <source>Fixture combo mismatch (DL)!</source>
         <translation>Leuchtenauswahl stimmt nicht überein (DL)!</translation>
-    </message>
-    <message>
-        <source>Runplan: the catalog %1 is not valid; nothing was exported.</source>
-        <translation>Runplan: Der Katalog %1 ist ungültig; es wurde nichts exportiert.</translation>
     </message>
     <message>
         <source>Select file</source>
@@ -359,36 +1037,74 @@
         <translation>CSV-Datei (*.csv);; Alle Dateien (*.*)</translation>
     </message>
     <message>
-        <source>Runplan: cannot write %1: %2</source>
-        <translation>Runplan: %1 kann nicht geschrieben werden: %2</translation>
+        <source>Line Voltage</source>
+        <translation>Netzspannung</translation>
     </message>
     <message>
-        <source>Runplan: writing %1 failed: %2</source>
-        <translation>Runplan: Schreiben von %1 fehlgeschlagen: %2</translation>
+        <source>Max Circuit Load</source>
+        <translation>Max. Kreislast</translation>
     </message>
     <message>
-        <source>Untitled.rpproj</source>
-        <translation>Untitled.rpproj</translation>
+        <source>Frequency</source>
+        <translation>Frequenz</translation>
     </message>
     <message>
-        <source>%1[*] - %2 Release %3.%4.%5 [Build %6-%7]</source>
-        <translation>%1[*] - %2 Version %3.%4.%5 [Build %6-%7]</translation>
+        <source>Controller</source>
+        <translation>Controller</translation>
     </message>
     <message>
-        <source>&amp;Save %1</source>
-        <translation>%1 &amp;speichern</translation>
+        <source>Enabler</source>
+        <translation>Enabler</translation>
     </message>
     <message>
-        <source>Save %1 &amp;As...</source>
-        <translation>%1 speichern &amp;unter …</translation>
+        <source>Fixture</source>
+        <translation>Leuchte</translation>
     </message>
     <message>
-        <source>Open Configuration</source>
-        <translation>Konfiguration öffnen</translation>
+        <source>Undo the last change to the configuration</source>
+        <translation>Die letzte Änderung an der Konfiguration rückgängig machen</translation>
     </message>
     <message>
-        <source>Save Configuration</source>
-        <translation>Konfiguration speichern</translation>
+        <source>Redo the change undone last</source>
+        <translation>Die zuletzt rückgängig gemachte Änderung wiederherstellen</translation>
+    </message>
+    <message>
+        <source>Export Report</source>
+        <translation>Bericht exportieren</translation>
+    </message>
+    <message>
+        <source>PDF files (*.pdf)</source>
+        <translation>PDF-Dateien (*.pdf)</translation>
+    </message>
+    <message>
+        <source>Report written to %1</source>
+        <translation>Bericht nach %1 geschrieben</translation>
+    </message>
+    <message>
+        <source>Export Error</source>
+        <translation>Fehler beim Exportieren</translation>
+    </message>
+    <message>
+        <source>Cannot write %1:
+%2</source>
+        <translation>%1 kann nicht geschrieben werden:
+%2</translation>
+    </message>
+    <message>
+        <source>Export Bill of Materials</source>
+        <translation>Stückliste exportieren</translation>
+    </message>
+    <message>
+        <source>CSV files (*.csv)</source>
+        <translation>CSV-Dateien (*.csv)</translation>
+    </message>
+    <message>
+        <source>Bill of materials written to %1</source>
+        <translation>Stückliste nach %1 geschrieben</translation>
+    </message>
+    <message>
+        <source>the catalog %1 is not valid; nothing was exported.</source>
+        <translation>der Katalog %1 ist ungültig; es wurde nichts exportiert.</translation>
     </message>
 </context>
 <context>
@@ -725,6 +1441,22 @@
         <source>Maximize All Fixures</source>
         <translation>Alle Leuchten maximieren</translation>
     </message>
+    <message>
+        <source>Show Voltages</source>
+        <translation>Spannungen anzeigen</translation>
+    </message>
+    <message>
+        <source>Write the voltage available at each component under its box</source>
+        <translation>Die an jeder Komponente verfügbare Spannung unter ihr Feld schreiben</translation>
+    </message>
+    <message>
+        <source>Export Report...</source>
+        <translation>Bericht exportieren …</translation>
+    </message>
+    <message>
+        <source>Export Bill of Materials...</source>
+        <translation>Stückliste exportieren …</translation>
+    </message>
 </context>
 <context>
     <name>SettingsDlg</name>
@@ -813,6 +1545,18 @@ Möchten Sie die Download-Seite öffnen?</translation>
     <message>
         <source>You have the latest version: v%1</source>
         <translation>Sie haben die neueste Version: v%1</translation>
+    </message>
+    <message>
+        <source>The download page was not opened: &quot;%1&quot; is not an http or https address.</source>
+        <translation>Die Download-Seite wurde nicht geöffnet: &quot;%1&quot; ist keine http- oder https-Adresse.</translation>
+    </message>
+    <message>
+        <source>The download page was not opened: &quot;%1&quot; is not a valid web address.</source>
+        <translation>Die Download-Seite wurde nicht geöffnet: &quot;%1&quot; ist keine gültige Webadresse.</translation>
+    </message>
+    <message>
+        <source>Runplan</source>
+        <translation>Runplan</translation>
     </message>
 </context>
 <context>
