@@ -313,6 +313,14 @@ void TestAnalysis::gen4BreakerTables()
             QStringLiteral("\nFixture count in current run (%1) exceeded the fixture type's maximum (%2).")
                 .arg(fixtures)
                 .arg(maximum));
+    // A type without a maximum switches the count check off for the whole run, whatever the
+    // maximum of the other types in it.
+    if (maximum == 0) {
+        h.add(QStringLiteral("Count Limited"), 4);
+        const AnalysisResult& mixed = h.analyze();
+        QCOMPARE(mixed.runs.first().maxFixtures, 0);
+        QVERIFY(mixed.runMessages.isEmpty());
+    }
 }
 
 void TestAnalysis::receiverAndFamilyChecks()

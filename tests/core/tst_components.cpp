@@ -281,7 +281,7 @@ private slots:
         }
         QCOMPARE(limits, (QList<int>{25, 175, 999}));
         QCOMPARE(jumper.editorRule(PropLength).value, 4);
-        jumper.setLength(20.0);
+        jumper.setLength(25.0); // a gauge is offered up to its limit included
         QCOMPARE(jumper.editorRule(PropGauge).choices, QStringList{"16"});
 
         // Branch wire lengths by mode, location and gauge.
@@ -300,7 +300,7 @@ private slots:
         QCOMPARE(limits, (QList<int>{427, 294, 150, 175, 999}));
         bw->setGauge("14");
         QCOMPARE(bw->editorRule(PropGauge).choices, QStringList({"12", "14"}));
-        bw->setLength(20.0);
+        bw->setLength(25.0);
         QCOMPARE(bw->editorRule(PropGauge).choices, QStringList({"12", "14", "16"}));
         QCOMPARE(marked(bw->editorRule(PropLocation)), QStringList({"Above Ground", "*Underground"}));
         // Input mode: the parent's mode, or below a receiver "Dynaline" (when the gauge allows

@@ -24,14 +24,15 @@ const QColor Red(255, 0, 0);
 const QColor Orange(255, 128, 0);
 const QColor LightBlue(140, 190, 232);
 
-// Whether some pixel within radius of p has (nearly) the colour c: connectors are antialiased.
-bool colourNear(const QImage& img, QPoint p, const QColor& c, int radius = 1)
+// Whether some pixel within radius of p has the colour c, each channel within tolerance:
+// connectors are antialiased at their edges.
+bool colourNear(const QImage& img, QPoint p, const QColor& c, int radius = 1, int tolerance = 12)
 {
     for (int dy = -radius; dy <= radius; ++dy)
         for (int dx = -radius; dx <= radius; ++dx) {
             const QColor found = img.valid(p + QPoint(dx, dy)) ? img.pixelColor(p + QPoint(dx, dy)) : QColor();
-            if (qAbs(found.red() - c.red()) <= 12 && qAbs(found.green() - c.green()) <= 12 &&
-                qAbs(found.blue() - c.blue()) <= 12)
+            if (qAbs(found.red() - c.red()) <= tolerance && qAbs(found.green() - c.green()) <= tolerance &&
+                qAbs(found.blue() - c.blue()) <= tolerance)
                 return true;
         }
     return false;
@@ -42,9 +43,9 @@ QString describe(const QImage& img, QPoint p)
     return QColor(img.pixel(p)).name() + QStringLiteral(" at %1,%2").arg(p.x()).arg(p.y());
 }
 
-// A pixel of (nearly) a colour near a point, or exactly at it.
+// A pixel of nearly a colour near a point, or of exactly that colour at the point.
 #define NEAR_COLOUR(img, point, colour) QVERIFY2(colourNear(img, point, colour), qPrintable(describe(img, point)))
-#define AT_COLOUR(img, point, colour) QVERIFY2(colourNear(img, point, colour, 0), qPrintable(describe(img, point)))
+#define AT_COLOUR(img, point, colour) QVERIFY2(colourNear(img, point, colour, 0, 0), qPrintable(describe(img, point)))
 
 // One configuration shown on a canvas.
 struct Canvas {

@@ -141,7 +141,9 @@ void TestMainWindow::addButtonsFollowTheSelection_data()
     // Steps, run in order on a fresh window: add a "fixture", "jumper" or "box"; "receiver" as a
     // project would bring one (its button is hidden); select the "parent" or the "root"; "delete"
     // the current component; make the enabler "feedwise"; choose a family-1 fixture ("family1");
-    // select "nothing". Buttons the row's selection leaves in their earlier state are not compared.
+    // select "nothing"; read the receiver without a junction box ("nobox"), as an old project has
+    // it; add "63receivers", the most a run holds, each below the one before. Buttons the row's
+    // selection leaves in their earlier state are not compared.
     QTest::addColumn<QString>("steps");
     QTest::addColumn<QString>("leftAlone");
     QTest::addColumn<QString>("enabled");
@@ -158,6 +160,9 @@ void TestMainWindow::addButtonsFollowTheSelection_data()
     QTest::newRow("Feedwise branch wire") << "feedwise box delete" << "jumper" << "receiver box enabler maximize";
     QTest::newRow("receiver") << "feedwise receiver" << "jumper" << "fixture leader receiver box maximize";
     QTest::newRow("Feedwise wire with a receiver") << "feedwise receiver parent" << "jumper receiver" << "";
+    QTest::newRow("fixture on a receiver") << "feedwise receiver fixture" << "receiver" << "fixture jumper";
+    QTest::newRow("receiver without a box") << "feedwise receiver nobox" << "jumper" << "";
+    QTest::newRow("63rd receiver") << "feedwise 63receivers" << "jumper" << "fixture leader box maximize";
     QTest::newRow("nothing selected") << "fixture nothing" << "" << "";
 }
 
@@ -181,6 +186,17 @@ void TestMainWindow::addButtonsFollowTheSelection()
             m_window->DL_DeleteLast();
         else if (step == "nothing")
             doc()->setCurrentIndex(QModelIndex());
+        else if (step == "nobox") {
+            auto* receiver = qobject_cast<ReceiverWidget*>(doc()->current());
+            QVERIFY(receiver);
+            receiver->setJunctionBox(QString());
+            doc()->setCurrent(doc()->root());
+            doc()->setCurrent(receiver);
+        } else if (step == "63receivers") {
+            for (int i = 0; i < 63; ++i)
+                m_window->on_m_DL_AddReceiver_Button_clicked();
+            QCOMPARE(doc()->root()->countInSubtree(ItemReceiver), 63);
+        }
         else if (step == "feedwise" || step == "family1") {
             if (step == "feedwise")
                 doc()->root()->applyEditorValue(PropOutputMode, QStringLiteral("Feedwise"));
