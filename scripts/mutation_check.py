@@ -13,6 +13,7 @@ build, so every build compiles the restored file (a ccache hit) and the new muta
 """
 
 import argparse
+import fcntl
 import os
 import re
 import shutil
@@ -76,7 +77,8 @@ def parse_mutations(path):
             elif line.startswith("+ ") or line == "+":
                 current.replacement = line[2:]
             elif line.startswith("harmless:"):
-                current.harmless = line[len("harmless:"):].strip()
+                text = line[len("harmless:"):].strip()
+                current.harmless = f"{current.harmless} {text}" if current.harmless else text
             else:
                 errors.append(f"{path}:{n}: expected '- pattern', '+ replacement' or 'harmless: why': {line}")
     seen = set()
@@ -264,6 +266,12 @@ def main():
     os.makedirs(src, exist_ok=True)
     os.makedirs(build, exist_ok=True)
     out_file = args.out or os.path.join(workdir, "results.tsv")
+    lock = open(os.path.join(workdir, ".lock"), "w")
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except OSError:
+        print(f"another mutation check is using {workdir}; wait for it or pass --workdir", file=sys.stderr)
+        return 2
 
     env = dict(os.environ)
     env["CCACHE_BASEDIR"] = workdir
@@ -385,11 +393,14 @@ def main():
             print(f"{folder:<9}{r[0]:>10}{r[1]:>8}{r[2]:>10}{r[3]:>6}{r[4]:>10}   {rate(r)}")
     print(f"{'total':<9}{total[0]:>10}{total[1]:>8}{total[2]:>10}{total[3]:>6}{total[4]:>10}   {rate(total)}")
     print("(kill rate = killed / (killed + survived); n/a = did not apply)")
+    accepted = sum(1 for m in done if m.status == "survived" and m.harmless)
+    if accepted:
+        print(f"{accepted} of the survivors are marked harmless in the list (reasons below)")
 
     survivors = [m for m in done if m.status == "survived"]
     if survivors:
         print("\nSurvivors:")
-        for m in survivors:
+        for m in sorted(survivors, key=lambda m: m.harmless is not None):
             print(f"  [{m.id}] {m.path}:{m.target_line}  {m.title}")
             print(f"      - {m.original.strip()}\n      + {m.mutated.strip()}")
             if m.harmless:

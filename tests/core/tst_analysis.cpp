@@ -257,6 +257,10 @@ void TestAnalysis::outputModesCompound()
     mode->safetyRequired = 0;
     mode->fudgeFactor = 2.0;
     QCOMPARE(h.chain(mode->name, 1).totalVoltageDrop, 22.0 / 120);
+    // The minimum of 110 V against the line voltage in mode 4, against the run voltage (108) in mode 2.
+    QVERIFY(h.chain(QStringLiteral("Min Voltage Mode 4"), 1).pass);
+    QCOMPARE(h.chain(QStringLiteral("Min Voltage Mode 2"), 1).runMessages,
+             QStringList{QStringLiteral("\nVoltage dropped below the fixture type's minimum of 110 volts.")});
 }
 
 void TestAnalysis::gen4BreakerTables_data()
@@ -329,10 +333,11 @@ void TestAnalysis::receiverAndFamilyChecks()
     QVERIFY(h.ready());
 
     // Two receivers: enabler -> branch -> receiver -> branch -> box -> branch -> receiver.
+    h.header().controller = QStringLiteral("Small");
     h.feedwiseReceiver();
+    QVERIFY(h.analyze().pass); // one receiver: the controller's maximum itself
     h.doc().addJunctionBox();
     h.doc().addReceiver();
-    h.header().controller = QStringLiteral("Small");
     QCOMPARE(h.analyze().circuitMessages,
              QStringLiteral("\nReceiver count (2) exceeded this controller's maximum (1)."));
     h.header().controller = QStringLiteral("Unknown");
@@ -500,7 +505,7 @@ void TestAnalysis::feedwiseWiringAndModes()
     wire->setLocation(QStringLiteral("Tunnel")); // not in the catalog: 294 ft is the limit
     wire->setLength(290);
     QVERIFY(h.analyze().feedwiseOverLimit.isEmpty());
-    wire->setLength(300);
+    wire->setLength(294); // a load of 1 is over
     QCOMPARE(h.analyze().feedwiseOverLimit.size(), 1);
 
     // A mixed tree: receivers and branch wires in either mode agree with the components' own rules.

@@ -114,6 +114,7 @@ private slots:
         QCOMPARE(receiver->maxChildren(), 12);
         receiver->setJunctionBox("No Box");
         QCOMPARE(receiver->maxChildren(), 0);
+        QCOMPARE(ReceiverWidget(&m_db, m_receiver).maxChildren(), 5); // on no wire: as on 12 gauge
 
         // The model refuses an insertion once a parent is full, and leaves the component alone.
         CWidgetModel model;
@@ -312,6 +313,8 @@ private slots:
         QCOMPARE(marked(underReceiver->editorRule(PropInputMode)), QStringList({"Dynaline", "*Feedwise"}));
         underReceiver->setGauge("16"); // 25 ft limit, 30 ft wire
         QCOMPARE(underReceiver->editorRule(PropInputMode).choices, QStringList{"Feedwise"});
+        underReceiver->setLength(25.0);
+        QCOMPARE(underReceiver->editorRule(PropInputMode).choices, QStringList({"Dynaline", "Feedwise"}));
         QCOMPARE(FixtureWidget(&m_db, m_bar).editorRule(PropType).kind, EditorRule::None);
     }
 

@@ -15,6 +15,7 @@
 #include <QDialog>
 #include <QFile>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QSettings>
 #include <QSpinBox>
@@ -455,6 +456,13 @@ void TestMainWindow::maximizeAndExportMatchTheEngine()
     QVERIFY(doc()->passFlag());
     QCOMPARE(find<QLabel>("m_DL_TotalFixtures_Label")->text(),
              QStringLiteral("Total Fixtures: %1").arg(session.fixtureCount()));
+    // The totals are green while the run passes and red with one fixture more.
+    QLineEdit* watts = find<QLineEdit>("m_DL_TotalPowerWatts_Edit");
+    QCOMPARE(watts->palette().color(QPalette::Base), Runplan::passingFieldColor());
+    click("m_DL_AddFixture_Button");
+    QVERIFY(!doc()->passFlag());
+    QCOMPARE(watts->palette().color(QPalette::Base), Runplan::failingFieldColor());
+    m_window->DL_DeleteLast();
 
     // The export writes what the engine writes, to the file chosen, which is proposed next time.
     const QString chosen = m_dir->filePath("fixture.csv");
