@@ -67,6 +67,7 @@ bool DialogPrompter::askReplace(QWidget* parent, const QString& filePath)
 {
     const QFileInfo info(filePath);
     QMessageBox box(parent);
+    box.setWindowTitle(QStringLiteral("Runplan"));
     box.setWindowModality(Qt::WindowModal);
     box.setIcon(QMessageBox::Question);
     box.setText(QLatin1Char('"') + info.fileName() + QLatin1Char('"') +
@@ -77,8 +78,20 @@ bool DialogPrompter::askReplace(QWidget* parent, const QString& filePath)
     QPushButton* replace = box.addButton(tr("Replace"), QMessageBox::AcceptRole);
     box.addButton(QMessageBox::Cancel);
     box.setDefaultButton(QMessageBox::Cancel);
-    box.exec();
+    execDialog(&box);
     return box.clickedButton() == replace;
+}
+
+bool DialogPrompter::askReplaceNotReadWhole(QWidget* parent, const QString& fileName)
+{
+    QMessageBox box(parent);
+    box.setWindowTitle(QStringLiteral("Runplan"));
+    box.setIcon(QMessageBox::Question);
+    box.setText(tr("%1 was not read completely. Replace it with the configuration as shown?").arg(fileName));
+    box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+    box.setDefaultButton(QMessageBox::No);
+    box.setEscapeButton(QMessageBox::No);
+    return execDialog(&box) == QMessageBox::Yes;
 }
 
 bool DialogPrompter::confirmDelete(QWidget* parent)

@@ -25,9 +25,12 @@ public:
     virtual SaveChoice askSaveChanges(QWidget* parent, const QString& displayName) = 0;
     // A file of that name exists: true to overwrite it.
     virtual bool askReplace(QWidget* parent, const QString& filePath) = 0;
+    // Saving over a project that was read only in part: true to replace it.
+    virtual bool askReplaceNotReadWhole(QWidget* parent, const QString& fileName) = 0;
     // Deleting a component that has others attached: true to delete them all.
     virtual bool confirmDelete(QWidget* parent) = 0;
-    // Runs a modal dialog (preferences, print setup) and returns its result code.
+    // Runs a modal dialog (preferences, print setup, the replace questions) and returns its result
+    // code.
     virtual int execDialog(QDialog* dialog) = 0;
 };
 
@@ -42,6 +45,7 @@ public:
     bool askClearConfiguration(QWidget* parent) override;
     SaveChoice askSaveChanges(QWidget* parent, const QString& displayName) override;
     bool askReplace(QWidget* parent, const QString& filePath) override;
+    bool askReplaceNotReadWhole(QWidget* parent, const QString& fileName) override;
     bool confirmDelete(QWidget* parent) override;
     int execDialog(QDialog* dialog) override;
 };

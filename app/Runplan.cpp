@@ -11,6 +11,7 @@
 #include "model/CWidgetModel.h"
 #include "model/ConfigDocument.h"
 #include "model/ProjectFile.h"
+#include "model/SafeFile.h"
 #include "model/view/CWidgetTableView.h"
 #include "ui_Runplan.h"
 #include "update/LoadingDialog.h"
@@ -27,9 +28,11 @@
 #include <QPixmap>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QSaveFile>
 #include <QScrollBar>
 #include <QSettings>
 #include <QStatusBar>
+#include <QTextCursor>
 #include <QTimer>
 
 #include <cstdio>
@@ -74,8 +77,6 @@ public:
 private:
     int& m_counter;
 };
-
-constexpr int MaxReceiversPerRun = 63;
 
 QString projectFilter()
 {
@@ -166,7 +167,10 @@ Runplan::Runplan(QWidget* parent)
             ui->m_DLSupply_Combo->addItem(supply->name, QVariant::fromValue(supply));
     }
 
-    // Initial choices.
+    // Initial choices. The result labels hold the form's placeholders until an analysis fills
+    // them, which never happens without a catalog.
+    ui->m_DL_DerateLoad_Label->clear();
+    ui->m_DL_TotalFixtures_Label->clear();
     ui->m_DL_AddReceiver_Button->hide();
     ui->m_DL_TotalPower_Label->setFont(bold);
     ui->m_DL_TotalFixtures_Label->setFont(bold);
@@ -191,6 +195,16 @@ Runplan::Runplan(QWidget* parent)
     connect(m_doc->model(), &QAbstractItemModel::layoutChanged, ui->tableView,
             &CWidgetTableView::handleModelReset);
     connect(m_doc->model(), &QAbstractItemModel::layoutChanged, this, &Runplan::DL_Update);
+    // The add buttons follow every change of the tree or of the selected component, not only a
+    // new selection: an edited output mode changes what may hang below. A load that leaves the
+    // canvas empty announces only the model's reset.
+    const auto refreshAddButtons = [this]() { updateAddButtons(m_doc->currentIndex()); };
+    connect(m_doc, &ConfigDocument::changed, this, refreshAddButtons);
+    connect(m_doc, &ConfigDocument::componentChanged, this, refreshAddButtons);
+    connect(m_doc->model(), &QAbstractItemModel::modelReset, this, [this, refreshAddButtons]() {
+        if (!m_doc->root())
+            refreshAddButtons();
+    });
     connect(canvas, &CFrame::deleteCurrentCWidget, this, &Runplan::DL_DeleteLast);
     connect(ui->actionDelete, &QAction::triggered, this, &Runplan::DL_DeleteLast);
     connect(ui->actionNew, &QAction::triggered, this, &Runplan::handleNewAction);
@@ -284,9 +298,16 @@ void Runplan::statusMessage(const QString& text)
 
 void Runplan::statusMessage(const QString& text, const QColor& color)
 {
+    // Coloured through a cursor of its own at the end: the log's cursor (the user's selection)
+    // keeps its text and its colour.
     QTextEdit* log = ui->m_messageBox;
-    log->setTextColor(color);
-    log->append(text);
+    QTextCursor end(log->document());
+    end.movePosition(QTextCursor::End);
+    if (!log->document()->isEmpty())
+        end.insertBlock();
+    QTextCharFormat format;
+    format.setForeground(color);
+    end.insertText(text, format);
     log->verticalScrollBar()->setValue(log->verticalScrollBar()->maximum());
 }
 
@@ -523,27 +544,13 @@ void Runplan::rebuildVoltageList(const DLFixture* fixture)
     const QSignalBlocker block(combo);
     const QString other = tr("Other");
     const QString previous = combo->currentText();
-    const bool previousWasOther = previous == other;
     combo->clear();
     for (int volts : fixture->validVoltages)
         combo->addItem(QString::number(volts), volts);
     // A custom voltage stays possible with every fixture.
     combo->addItem(other);
-
-    int index = -1;
-    if (previousWasOther)
-        index = combo->count() - 1;
-    if (index < 0 && !previous.isEmpty()) {
-        bool ok = false;
-        const int volts = previous.toInt(&ok);
-        if (ok)
-            index = combo->findData(volts);
-    }
-    if (index < 0)
-        index = combo->findData(fixture->startingVoltage);
-    if (index < 0 && !fixture->validVoltages.isEmpty())
-        index = 0;
-    combo->setCurrentIndex(index);
+    combo->setCurrentIndex(
+        voltageEntryAfterFixtureChange(fixture->validVoltages, fixture->startingVoltage, previous, other));
     ui->m_DL_LineVoltage_Spin->setVisible(combo->currentText() == other);
 }
 
@@ -611,108 +618,17 @@ void Runplan::handleSelectionChanged(const QModelIndex& index)
 
 void Runplan::updateAddButtons(const QModelIndex& index)
 {
-    QPushButton* fixture = ui->m_DL_AddFixture_Button;
-    QPushButton* jumper = ui->m_DL_AddJumper_Button;
-    QPushButton* leader = ui->m_DL_AddLeader_Button;
-    QPushButton* receiver = ui->m_DL_AddReceiver_Button;
-    QPushButton* box = ui->m_DL_AddJunctionBox_Button;
-    QPushButton* enabler = ui->m_DL_AddSupply_Button;
-    QPushButton* maximize = ui->m_DL_Maximize_Button;
-    for (QPushButton* b : {fixture, box, enabler, leader, maximize})
-        b->setEnabled(false);
-
-    const CWidget* w = index.isValid() ? m_doc->model()->widget(index) : nullptr;
-    if (!w || w->isInvisibleRoot()) {
-        fixture->setEnabled(false);
-        jumper->setEnabled(false);
-        receiver->setEnabled(false);
-        return;
-    }
-    const CWidget* top = m_doc->root();
-    const int receivers = top ? top->countInSubtree(ItemReceiver) : 0;
-    const bool roomForReceiver = receivers < MaxReceiversPerRun;
-    const DLFixture* chosen = chosenFixtureRecord();
-    const bool familyOne = chosen && chosen->family == 1;
-    const bool hasChildren = w->childCount() > 0;
-    const bool underReceiver = w->hasAncestorOfType(ItemReceiver);
-    const QString feedwise = Modes::feedwise();
-
-    switch (w->itemType()) {
-    case ItemSupply:
-        if (hasChildren)
-            break;
-        if (w->locationText() != feedwise) {
-            maximize->setEnabled(true);
-            fixture->setEnabled(true);
-            leader->setEnabled(true);
-            box->setEnabled(true);
-            receiver->setEnabled(false);
-        } else {
-            maximize->setEnabled(!familyOne);
-            receiver->setEnabled(roomForReceiver);
-            fixture->setEnabled(!familyOne);
-            enabler->setEnabled(true);
-            box->setEnabled(true);
-        }
-        break;
-    case ItemLeader:
-    case ItemJumper:
-        if (hasChildren)
-            break;
-        fixture->setEnabled(!(underReceiver && familyOne));
-        maximize->setEnabled(true);
-        break;
-    case ItemFixture: {
-        const bool room = w->childCount() < w->maxChildren();
-        fixture->setEnabled(room);
-        jumper->setEnabled(room);
-        const CWidget* parent = w->parentWidget();
-        if (!hasChildren && !(parent && parent->itemType() == ItemReceiver))
-            maximize->setEnabled(true);
-        break;
-    }
-    case ItemReceiver: {
-        const auto* r = static_cast<const ReceiverWidget*>(w);
-        const bool takesBox = r->canTakeJunctionBox();
-        const bool takesFixtures = r->canTakeFixtures();
-        box->setEnabled(takesBox);
-        receiver->setEnabled(roomForReceiver && takesBox);
-        fixture->setEnabled(takesFixtures && !familyOne);
-        leader->setEnabled(takesFixtures && !familyOne);
-        maximize->setEnabled(takesFixtures && !familyOne);
-        break;
-    }
-    case ItemBranchWire:
-        if (hasChildren)
-            break;
-        box->setEnabled(true);
-        if (w->locationText() == feedwise) {
-            enabler->setEnabled(true);
-            receiver->setEnabled(roomForReceiver);
-        }
-        maximize->setEnabled(true);
-        break;
-    case ItemJunctionBox: {
-        const auto* j = static_cast<const JunctionBoxWidget*>(w);
-        const CWidget* parent = w->parentWidget();
-        const bool parentFeedwise = parent && parent->locationText() == feedwise;
-        const bool feedsSupply = j->canFeedSupply();
-        const bool feedsFixtures = j->canFeedFixtures();
-        receiver->setEnabled(parentFeedwise && roomForReceiver && feedsSupply);
-        const bool fixturesHere = !parentFeedwise && feedsFixtures && !(underReceiver && familyOne);
-        fixture->setEnabled(fixturesHere);
-        maximize->setEnabled(fixturesHere);
-        leader->setEnabled(fixturesHere);
-        enabler->setEnabled(feedsSupply);
-        box->setEnabled(feedsSupply || feedsFixtures);
-        break;
-    }
-    default:
-        fixture->setEnabled(false);
-        jumper->setEnabled(false);
-        receiver->setEnabled(false);
-        break;
-    }
+    // The document's rule for the selected component (the one the canvas announced).
+    Q_UNUSED(index)
+    const Additions allowed = m_doc->allowedAdditions(chosenFixtureRecord());
+    ui->m_DL_AddFixture_Button->setEnabled(allowed.fixture);
+    ui->m_DL_AddLeader_Button->setEnabled(allowed.leader);
+    ui->m_DL_AddReceiver_Button->setEnabled(allowed.receiver);
+    ui->m_DL_AddJunctionBox_Button->setEnabled(allowed.junctionBox);
+    ui->m_DL_AddSupply_Button->setEnabled(allowed.enabler);
+    ui->m_DL_Maximize_Button->setEnabled(allowed.maximize);
+    if (allowed.jumper != Additions::JumperUnchanged)
+        ui->m_DL_AddJumper_Button->setEnabled(allowed.jumper == Additions::JumperOn);
 }
 
 // =============================================================================================
@@ -745,6 +661,10 @@ void Runplan::runAnalysis()
         ui->m_DL_Total_PLC_Length_Edit->setText(result.feedwiseText);
         setFieldColor(ui->m_DL_Total_PLC_Length_Edit,
                       result.feedwiseLoad < 1.0 ? passingFieldColor() : failingFieldColor());
+    } else {
+        // No Feedwise run: the field shows no length of an earlier one.
+        ui->m_DL_Total_PLC_Length_Edit->clear();
+        setFieldColor(ui->m_DL_Total_PLC_Length_Edit, clearedFieldColor());
     }
 
     for (const auto& line : result.logLines())
@@ -905,8 +825,10 @@ void Runplan::runExport(bool all)
             return;
     }
 
-    QFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
+    // Written through a temporary file: a failed export leaves an earlier file as it was, and a
+    // cancelled one replaces it with the rows written so far.
+    QSaveFile file(fileName);
+    if (!SafeFile::open(file)) {
         if (m_runningBatchCommands) {
             std::fprintf(stderr, "%s\n",
                          qPrintable(tr("Runplan: cannot write %1: %2")
@@ -930,8 +852,7 @@ void Runplan::runExport(bool all)
         CsvExport::exportAllFixtures(file, *this);
     else
         CsvExport::exportCurrentFixture(file, *this);
-    file.close();
-    const bool written = file.error() == QFileDevice::NoError;
+    const bool written = SafeFile::commit(file);
     m_exportRunning = false;
 
     if (m_progressDialog) {
@@ -1030,13 +951,11 @@ QString Runplan::displayName() const
 void Runplan::setWindowTitleFor(const QString& path)
 {
     const QString name = path.isEmpty() ? tr("Untitled.rpproj") : QFileInfo(path).fileName();
+    // One pass, so that a "%1" in the file name stays as typed.
     setWindowTitle(tr("%1[*] - %2 Release %3.%4.%5 [Build %6-%7]")
-                       .arg(name, RunplanVersion::applicationName())
-                       .arg(RunplanVersion::Major)
-                       .arg(RunplanVersion::Minor)
-                       .arg(RunplanVersion::Revision)
-                       .arg(RunplanVersion::BuildDate)
-                       .arg(RunplanVersion::buildTag()));
+                       .arg(name, RunplanVersion::applicationName(), QString::number(RunplanVersion::Major),
+                            QString::number(RunplanVersion::Minor), QString::number(RunplanVersion::Revision),
+                            QString::number(RunplanVersion::BuildDate), RunplanVersion::buildTag()));
 }
 
 void Runplan::setCurrentFile(const QString& path)
@@ -1074,11 +993,24 @@ void Runplan::handleNewAction()
         if (ui->m_DLSupply_Combo->count() > 0)
             ui->m_DLSupply_Combo->setCurrentIndex(0);
     }
+    {
+        // A project read in part may have left selectors without an entry; New leaves none so.
+        InteractiveChangeOff off(this);
+        if (ui->m_DLFixture_Combo->currentIndex() < 0 && ui->m_DLFixture_Combo->count() > 0)
+            ui->m_DLFixture_Combo->setCurrentIndex(0);
+        if (ui->m_DLController_Combo->currentIndex() < 0 && ui->m_DLController_Combo->count() > 0)
+            ui->m_DLController_Combo->setCurrentIndex(0);
+    }
     chooseDefaultLineVoltage();
+    if (ui->m_DL_LineVoltage_Combo->currentIndex() < 0 && ui->m_DL_LineVoltage_Combo->count() > 0)
+        ui->m_DL_LineVoltage_Combo->setCurrentIndex(0);
     ui->m_DL_MaxLoad_Combo->setCurrentIndex(0);
+    ui->m_frequencyComboBox->setCurrentIndex(findExact(ui->m_frequencyComboBox, QStringLiteral("60 Hz")));
     on_m_DL_Reset_Button_clicked();
     m_doc->setModified(false);
     setCurrentFile(QString());
+    m_notReadWholePath.clear();
+    m_notReadWholeReason.clear();
     m_doc->setModified(false);
 }
 
@@ -1097,14 +1029,20 @@ void Runplan::handleOpenAction()
 bool Runplan::openProject(const QString& path)
 {
     bool opened = false;
+    QString notReadWhole;
     {
         AnalysisHold hold(m_analysisSuspended);
         InteractiveChangeOff off(this);
         QApplication::setOverrideCursor(Qt::WaitCursor);
-        opened = ProjectFile::open(path, *m_doc, *this, m_reporter.get());
+        opened = ProjectFile::open(path, *m_doc, *this, m_reporter.get(), &notReadWhole);
         QApplication::restoreOverrideCursor();
     }
     if (opened) {
+        ui->m_DL_Frame->showTopLeft();
+        // A failure reported for an earlier file no longer describes what is shown.
+        statusBar()->clearMessage();
+        m_notReadWholePath = notReadWhole.isEmpty() ? QString() : QFileInfo(path).absoluteFilePath();
+        m_notReadWholeReason = notReadWhole;
         setCurrentFile(path);
         m_doc->setModified(false);
         runAnalysis();
@@ -1114,12 +1052,22 @@ bool Runplan::openProject(const QString& path)
 
 bool Runplan::saveProject(const QString& path)
 {
+    // A file read only in part is replaced only when the user says so.
+    const QString target = QFileInfo(ProjectFile::withExtension(path)).absoluteFilePath();
+    const bool overPartlyRead = !m_notReadWholePath.isEmpty() && target == m_notReadWholePath;
+    if (overPartlyRead && !m_prompter->askReplaceNotReadWhole(this, QFileInfo(target).fileName()))
+        return false;
     QString saved;
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const bool ok = ProjectFile::save(path, *m_doc, *this, m_reporter.get(), &saved);
     QApplication::restoreOverrideCursor();
-    if (ok)
+    if (ok) {
+        if (overPartlyRead) {
+            m_notReadWholePath.clear();
+            m_notReadWholeReason.clear();
+        }
         setCurrentFile(saved);
+    }
     return ok;
 }
 

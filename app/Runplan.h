@@ -82,7 +82,10 @@ public:
     // Asks to save unsaved changes; true when the user cancelled.
     bool offerToSaveIfNeeded();
     bool openProject(const QString& path);
+    // Asks first when the path is that of a project read only in part; false when not saved.
     bool saveProject(const QString& path);
+    // Where and why the project last opened broke off; empty when it was read whole.
+    QString notReadWholeReason() const { return m_notReadWholeReason; }
 
     // Selectors
     DLPowerSupply* currentSupplyRecord() const;
@@ -210,6 +213,9 @@ private:
     QPointer<LoadingDialog> m_progressDialog;
 
     QString m_currentFile;
+    // The project opened last when it broke off before its end (absolute path), and why.
+    QString m_notReadWholePath;
+    QString m_notReadWholeReason;
     bool m_interactiveChange = true;
     bool m_runningBatchCommands = false;
     bool m_exportRunning = false;

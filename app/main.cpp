@@ -27,7 +27,8 @@ void writeErr(const QString& text)
 }
 
 // The analysis of a project as plain text: every line the analysis writes to the output log, in
-// order. 0 when it passes every check, 2 when it fails one, 1 when it could not be made.
+// order. 0 when it passes every check, 2 when it fails one, 1 when it could not be made (also
+// for a project that was not read whole).
 int printReport(const Runplan& window, bool opened, const QString& projectFile)
 {
     if (!window.catalog()->isValid()) {
@@ -39,8 +40,15 @@ int printReport(const Runplan& window, bool opened, const QString& projectFile)
         writeErr(QStringLiteral("Runplan: --report needs -nw and a project file.\n"));
         return 1;
     }
+    // The reason a project was refused is already on standard error.
     if (!opened)
         return 1;
+    // A report of part of a project would pass or fail a plan nobody drew.
+    if (!window.notReadWholeReason().isEmpty()) {
+        writeErr(QStringLiteral("Runplan: %1 was not read completely: it breaks off at %2.\n")
+                     .arg(projectFile, window.notReadWholeReason()));
+        return 1;
+    }
     const AnalysisResult& result = window.lastResult();
     for (const auto& line : result.logLines())
         writeOut(line.first + QLatin1Char('\n'));

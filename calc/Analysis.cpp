@@ -15,7 +15,6 @@ namespace
 {
 
 const QLatin1String kFeedwise("Feedwise");
-const QLatin1String kUndefined("UNDEFINED");
 
 // Truncation towards zero that stays defined for any double.
 int truncToInt(double v)
@@ -62,6 +61,8 @@ struct Node {
     double resistance = 0.0;
     double power = 0.0;
     double powerFactor = 1.0;
+    const QString* mode = nullptr;     // the effective output mode, by the component's own rule
+    const QString* location = nullptr; // the location text, likewise (both held by the tree)
     bool modeFeedwise = false;     // the effective output mode is "Feedwise"
     bool locationFeedwise = false; // the location text is "Feedwise"
 };
@@ -128,6 +129,10 @@ private:
     int m_lastType = -1;
     int m_firstFixture = -1; // first fixture with a record, depth first
     const DLPowerSupply* m_enablerRecord = nullptr;
+    // What the root's mode rule is given: no parent, no mode, no location.
+    const QString m_undefined = Modes::undefined();
+    const QString m_noLocation;
+    const QString m_feedwise = Modes::feedwise();
     int m_selectedFamily = 0;
     QString m_messages;
 };
@@ -181,19 +186,15 @@ void Analyzer::collect(const CWidget* root)
         if (n.kind >= 0 && n.kind <= ItemJunctionBox)
             n.number = ++kindCounters[n.kind];
         const Node* p = parent >= 0 ? &m_nodes[static_cast<size_t>(parent)] : nullptr;
-        const bool parentMode = p && p->modeFeedwise;
-        const bool parentLocation = p && p->locationFeedwise;
-        const bool onReceiver = p && p->kind == ItemReceiver;
-        n.modeFeedwise = parentMode;
-        n.locationFeedwise = parentLocation;
+        // The components' own mode and location rules, one step down from the parent's.
+        n.mode = &w->modeUnder(p ? p->widget : nullptr, p ? *p->mode : m_undefined);
+        n.location = &w->locationUnder(*n.mode, p ? *p->location : m_noLocation);
+        n.modeFeedwise = *n.mode == m_feedwise;
+        n.locationFeedwise = *n.location == m_feedwise;
 
         switch (n.kind) {
         case ItemSupply: {
             const auto* s = static_cast<const SupplyWidget*>(w);
-            const QString mode = s->outputMode();
-            const QString location = s->explicitLocation();
-            n.modeFeedwise = mode == kFeedwise;
-            n.locationFeedwise = (location.isEmpty() ? mode : location) == kFeedwise;
             const DLPowerSupply* rec = s->record();
             // A Feedwise-capable supply fed by a Feedwise branch draws its own power from the run.
             if (rec && p && p->kind == ItemBranchWire && p->locationFeedwise &&
@@ -204,7 +205,6 @@ void Analyzer::collect(const CWidget* root)
             break;
         }
         case ItemFixture:
-            n.modeFeedwise = !onReceiver && parentMode;
             n.type = typeOf(w);
             if (n.type >= 0) {
                 const DLFixture* rec = m_types[static_cast<size_t>(n.type)].record;
@@ -216,8 +216,6 @@ void Analyzer::collect(const CWidget* root)
             break;
         case ItemLeader:
         case ItemJumper: {
-            if (n.kind == ItemLeader)
-                n.modeFeedwise = !onReceiver && parentMode;
             const auto* c = static_cast<const CableWidget*>(w);
             n.length = c->length();
             n.resistance = c->resistancePerFoot() * n.length;
@@ -225,12 +223,6 @@ void Analyzer::collect(const CWidget* root)
         }
         case ItemBranchWire: {
             const auto* b = static_cast<const BranchWireWidget*>(w);
-            const QString input = b->inputMode();
-            if (input != kUndefined)
-                n.modeFeedwise = input == kFeedwise;
-            else
-                n.modeFeedwise = p && !onReceiver && parentMode;
-            n.locationFeedwise = n.modeFeedwise;
             n.length = b->length();
             n.resistance = b->resistancePerFoot() * n.length;
             break;

@@ -126,7 +126,9 @@ QList<int> allFixturesColumns(const Database& db)
 
 QList<int> fixtureColumns(const VxFixture& fixture)
 {
-    return sortedUnique(fixture.validVoltages);
+    QList<int> volts = fixture.validVoltages;
+    std::sort(volts.begin(), volts.end());
+    return volts;
 }
 
 QString formatLength(double feet)

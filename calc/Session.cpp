@@ -84,25 +84,16 @@ void Session::chooseFixture(const VxFixture* fixture)
         return;
     m_header.fixture = fixture->name;
 
-    // The voltage list becomes the fixture's voltages: keep the previous voltage where offered,
-    // else take the fixture's starting voltage (the list's first entry when even that is missing).
-    const QString previous = m_header.lineVoltage;
+    // The voltage list becomes the fixture's voltages and the custom entry, as in the window.
     const QList<int>& volts = fixture->validVoltages;
-    if (volts.isEmpty()) {
-        m_header.lineVoltage.clear();
-        return;
-    }
-    if (previous == QLatin1String("Other")) {
-        m_header.lineVoltage = QString::number(volts.last());
-        return;
-    }
-    bool ok = false;
-    const int previousVolts = previous.toInt(&ok);
-    if (ok && volts.contains(previousVolts))
-        return;
     const auto* dl = qobject_cast<const DLFixture*>(fixture);
-    const int starting = dl ? dl->startingVoltage : volts.first();
-    m_header.lineVoltage = QString::number(volts.contains(starting) ? starting : volts.first());
+    const QString custom = QStringLiteral("Other");
+    const int entry = voltageEntryAfterFixtureChange(volts, dl ? dl->startingVoltage : 0,
+                                                     m_header.lineVoltage, custom);
+    if (entry < 0)
+        m_header.lineVoltage.clear();
+    else
+        m_header.lineVoltage = entry < volts.size() ? QString::number(volts.at(entry)) : custom;
 }
 
 void Session::chooseLineVoltage(int volts)
@@ -145,6 +136,6 @@ const VxFixture* Session::currentFixture() const
 
 bool Session::progress(int percent)
 {
-    progressSeen.append(percent);
-    return !(cancelAfterRows >= 0 && progressSeen.size() >= cancelAfterRows);
+    Q_UNUSED(percent)
+    return true;
 }

@@ -37,10 +37,8 @@ public:
     int fixtureCount() const override;
     double totalLength() const override { return m_result.totalLength; }
     const VxFixture* currentFixture() const override;
+    // Nobody watches a headless export, so nobody cancels it.
     bool progress(int percent) override;
-
-    QList<int> progressSeen;
-    int cancelAfterRows = -1; // tests: report a cancel after this many rows
 
 private:
     // The selector changes themselves, also used while constructing.

@@ -47,6 +47,9 @@ CFrame::CFrame(QWidget* parent) : QAbstractItemView(parent), m_delegate(new CFra
     setSelectionMode(QAbstractItemView::SingleSelection);
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    // The canvas moves only where it says so (insertion, deletion, zoom): a click that makes a
+    // component current must not drag the view after it.
+    setAutoScroll(false);
 
     m_lineKey = new QWidget(this);
     Ui::lineKeyUI keyForm;
@@ -188,6 +191,16 @@ void CFrame::updateScrollRanges()
     } else {
         verticalScrollBar()->setRange(0, 0);
     }
+    // A page is what the viewport shows, so PageUp/PageDown and the thumbs match the view.
+    horizontalScrollBar()->setPageStep(qMax(1, viewport()->width()));
+    verticalScrollBar()->setPageStep(qMax(1, viewport()->height()));
+}
+
+void CFrame::showTopLeft()
+{
+    horizontalScrollBar()->setValue(0);
+    verticalScrollBar()->setValue(0);
+    viewport()->update();
 }
 
 // ---------------------------------------------------------------------------------------------

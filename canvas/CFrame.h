@@ -31,6 +31,9 @@ public:
     // Number of a component among those of its kind (ItemAny: all), depth first, from 0.
     int numberOf(const CWidget* w, int kind) const;
 
+    // Scrolls back to the drawing's top-left corner (a configuration just opened).
+    void showTopLeft();
+
     // Deletes the current component with its subtree, asking first when it has children.
     void deleteCurrent();
     // Answers the "Delete multiple items" question; tests replace it. Default: a message box.

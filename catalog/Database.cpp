@@ -81,6 +81,7 @@ void Database::clear()
     m_junctionBoxes.clear();
     m_branchWires.clear();
     m_locations.clear();
+    m_locationNames.clear();
     m_controllers.clear();
     m_outputModes.clear();
 }
@@ -234,7 +235,10 @@ void Database::readBranchWires(const QDomElement& root, ParseContext& ctx)
         m_branchWires.append(wire);
         forEachListed(we, QStringLiteral("Locations"), QStringLiteral("Location"),
                       [this](const QDomElement& e) {
-                          m_locations.insert(childText(e, QStringLiteral("Name")),
+                          const QString name = childText(e, QStringLiteral("Name"));
+                          if (!m_locations.contains(name))
+                              m_locationNames.append(name);
+                          m_locations.insert(name,
                                              doubleOrZero(e, QStringLiteral("SignalDegradationPerFoot")));
                       });
     }

@@ -5,6 +5,7 @@
 #include <QMap>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 class Reporter;
 
@@ -35,6 +36,8 @@ public:
 
     const QList<VxJumper*>& branchWires() const { return m_branchWires; }
     const QMap<QString, double>& locations() const { return m_locations; }
+    // The branch-wire location names in the catalog's file order, each once.
+    const QStringList& locationNames() const { return m_locationNames; }
     const QList<DLPowerSupply*>& supplies() const { return m_supplies; }
     const QList<DLReceiver*>& receivers() const { return m_receivers; }
     const QList<DLFixture*>& fixtures() const { return m_fixtures; }
@@ -72,6 +75,7 @@ private:
     QString m_version;
     QList<VxJumper*> m_branchWires;
     QMap<QString, double> m_locations;
+    QStringList m_locationNames;
     QList<DLPowerSupply*> m_supplies;
     QList<DLReceiver*> m_receivers;
     QList<DLFixture*> m_fixtures;

@@ -2,7 +2,6 @@
 
 #include "catalog/Database.h"
 
-#include <QDebug>
 #include <QMetaProperty>
 
 #include <cmath>
@@ -20,6 +19,15 @@ QString propertyName(int id)
 namespace
 {
 bool g_loading = false;
+
+// The mode names the mode rule answers with, held once so answers can refer to them.
+enum class Mode { Undefined, Dynaline };
+const QString& constant(Mode m)
+{
+    static const QString undefined = Modes::undefined();
+    static const QString dynaline = Modes::dynaline();
+    return m == Mode::Undefined ? undefined : dynaline;
+}
 
 int roundToInt(double v)
 {
@@ -223,22 +231,34 @@ EditorRule CWidget::editorRule(int id) const
     return EditorRule();
 }
 
-void CWidget::applyEditorValue(int id, const QVariant& value)
+bool CWidget::applyEditorValue(int id, const QVariant& value)
 {
     if (!propertyIds().contains(id))
-        return;
+        return false;
     const QByteArray prop = propertyName(id).toLatin1();
     const int index = metaObject()->indexOfProperty(prop.constData());
-    if (index >= 0) {
-        const QMetaProperty mp = metaObject()->property(index);
-        if (mp.isWritable()) {
-            if (mp.metaType().id() == QMetaType::Double)
-                setProperty(prop.constData(), value.toDouble());
-            else
-                setProperty(prop.constData(), value.toString());
-        }
+    if (index < 0)
+        return false;
+    const QMetaProperty mp = metaObject()->property(index);
+    if (!mp.isWritable())
+        return false;
+    const QVariant before = property(prop.constData());
+    QVariant stored;
+    if (mp.metaType().id() == QMetaType::Double) {
+        double v = value.toDouble();
+        // A length never leaves the editor's limits, however it was typed.
+        const EditorRule rule = editorRule(id);
+        if (id == PropLength && rule.kind == EditorRule::Spin)
+            v = rule.clamped(roundToInt(v));
+        stored = v;
+    } else {
+        stored = value.toString();
     }
+    if (stored == before)
+        return false;
+    setProperty(prop.constData(), stored);
     emit valueChanged();
+    return true;
 }
 
 QDomElement CWidget::saveToXml(QDomDocument& doc, bool* ok) const
@@ -317,13 +337,24 @@ QRect CWidget::itemRect() const
 QString CWidget::effectiveMode() const
 {
     const CWidget* p = parentWidget();
-    return p ? p->effectiveMode() : Modes::undefined();
+    return modeUnder(p, p ? p->effectiveMode() : Modes::undefined());
+}
+
+const QString& CWidget::modeUnder(const CWidget* parent, const QString& parentMode) const
+{
+    return parent ? parentMode : constant(Mode::Undefined);
+}
+
+const QString& CWidget::locationUnder(const QString& ownMode, const QString& parentLocation) const
+{
+    Q_UNUSED(ownMode)
+    return parentLocation;
 }
 
 QString CWidget::locationText() const
 {
     const CWidget* p = parentWidget();
-    return p ? p->locationText() : QString();
+    return locationUnder(QString(), p ? p->locationText() : QString());
 }
 
 void CWidget::jumperChange()
@@ -376,11 +407,11 @@ EditorRule SupplyWidget::editorRule(int id) const
     return EditorRule();
 }
 
-void SupplyWidget::applyEditorValue(int id, const QVariant& value)
+bool SupplyWidget::applyEditorValue(int id, const QVariant& value)
 {
     if (id == PropDynaLineLength)
-        return; // computed
-    CWidget::applyEditorValue(id, value);
+        return false; // computed
+    return CWidget::applyEditorValue(id, value);
 }
 
 QVariant SupplyWidget::cellData(int column, int role) const
@@ -396,9 +427,23 @@ QVariant SupplyWidget::cellData(int column, int role) const
     return text;
 }
 
+const QString& SupplyWidget::modeUnder(const CWidget* parent, const QString& parentMode) const
+{
+    Q_UNUSED(parent)
+    Q_UNUSED(parentMode)
+    return m_outputMode;
+}
+
+const QString& SupplyWidget::locationUnder(const QString& ownMode, const QString& parentLocation) const
+{
+    Q_UNUSED(ownMode)
+    Q_UNUSED(parentLocation)
+    return m_location.isEmpty() ? m_outputMode : m_location;
+}
+
 QString SupplyWidget::locationText() const
 {
-    return m_location.isEmpty() ? m_outputMode : m_location;
+    return locationUnder(m_outputMode, QString());
 }
 
 // =============================================================================================
@@ -408,28 +453,78 @@ CableWidget::CableWidget(const Database* db, DLFixture* fixture, int itemType, d
                          const CableWidget* handed)
     : CWidget(db, fixture, itemType, 0), m_length(defaultLength)
 {
-    if (ComponentLoading::active())
+    if (ComponentLoading::active() || !fixture)
         return;
+    // A handed cable gives its type, gauge and length; a leader only where its new fixture lists
+    // that type, since otherwise it would name a cable with no record (and no resistance) behind it.
     if (handed) {
         m_type = handed->m_type;
-        m_gauge = handed->m_gauge;
-        m_length = handed->m_length;
-        return;
+        if (itemType != ItemLeader || cableRecord()) {
+            m_gauge = handed->m_gauge;
+            m_length = handed->m_length;
+            return;
+        }
+        m_type.clear();
     }
-    if (!fixture)
-        return;
     const VxJumper* cable =
         itemType == ItemLeader ? fixture->defaultLeaderCable() : fixture->defaultJumperCable();
     if (!cable)
         return;
     m_type = cable->name;
-    if (cable->hasCustomWires) {
-        if (const VxWire* w = cable->defaultWire())
-            m_gauge = w->name;
-        m_length = cable->defaultCustomLength;
-    } else {
+    applyCableDefaults(cable, false);
+}
+
+void CableWidget::applyCableDefaults(const VxJumper* cable, bool keepFitting)
+{
+    if (!cable->hasCustomWires) {
+        m_gauge.clear();
         m_length = cable->electricalLength;
+        return;
     }
+    if (keepFitting) {
+        const VxWire* w = cable->wireNamed(m_gauge);
+        if (w && w->maxLength >= m_length)
+            return;
+    }
+    const VxWire* w = cable->defaultWire();
+    m_gauge = w ? w->name : QString();
+    m_length = cable->defaultCustomLength;
+}
+
+void CableWidget::setType(const QString& t)
+{
+    m_type = t;
+    keepFixedJumperLength();
+}
+
+void CableWidget::setLength(double l)
+{
+    m_length = l;
+    keepFixedJumperLength();
+}
+
+void CableWidget::keepFixedJumperLength()
+{
+    // A fixed jumper's length is its cable's, and files do not carry it: read back, it must be
+    // the same as when the jumper was placed, whatever order the attributes come in.
+    if (!ComponentLoading::active() || itemType() != ItemJumper)
+        return;
+    const VxJumper* cable = cableRecord();
+    if (cable && !cable->hasCustomWires)
+        m_length = cable->electricalLength;
+}
+
+int CableWidget::customLengthLimit(const VxJumper* cable, const QString& gauge)
+{
+    if (!cable)
+        return 0;
+    if (const VxWire* w = cable->wireNamed(gauge))
+        if (w->maxLength > 0.0)
+            return roundToInt(w->maxLength);
+    double largest = 0.0;
+    for (const VxWire* w : cable->customWires)
+        largest = std::max(largest, w->maxLength);
+    return roundToInt(largest);
 }
 
 QString CableWidget::fixtureName() const
@@ -500,9 +595,12 @@ EditorRule CableWidget::editorRule(int id) const
             int maximum = 999;
             if (cable) {
                 maximum = roundToInt(cable->maxLeaderLength);
-                if (cable->hasCustomWires)
-                    if (const VxWire* w = cable->wireNamed(m_gauge))
-                        maximum = roundToInt(w->maxLength);
+                // A custom leader's limit comes from its wires and is never 0.
+                if (cable->hasCustomWires) {
+                    const int wires = customLengthLimit(cable, m_gauge);
+                    if (wires > 0)
+                        maximum = wires;
+                }
             }
             return spinOf(roundToInt(m_length), maximum);
         }
@@ -513,6 +611,8 @@ EditorRule CableWidget::editorRule(int id) const
         if (const VxWire* w = cable->wireNamed(m_gauge)) {
             const int maximum = roundToInt(w->maxLength);
             rule.maximum = maximum == 0 ? 175 : maximum;
+        } else if (const int wires = customLengthLimit(cable, m_gauge); wires > 0) {
+            rule.maximum = wires; // a gauge the cable does not list: its widest limit
         }
         return rule;
     }
@@ -521,9 +621,19 @@ EditorRule CableWidget::editorRule(int id) const
     }
 }
 
-void CableWidget::applyEditorValue(int id, const QVariant& value)
+bool CableWidget::applyEditorValue(int id, const QVariant& value)
 {
-    CWidget::applyEditorValue(id, value);
+    if (id != PropType)
+        return CWidget::applyEditorValue(id, value);
+    const QString type = value.toString();
+    if (!propertyIds().contains(id) || type == m_type)
+        return false;
+    m_type = type;
+    // The new type's defaults, as at creation, so the cable analyses as it will read back.
+    if (const VxJumper* cable = cableRecord())
+        applyCableDefaults(cable, true);
+    emit valueChanged();
+    return true;
 }
 
 LeaderWidget::LeaderWidget(const Database* db, DLFixture* fixture, const CableWidget* handed)
@@ -538,12 +648,11 @@ QList<int> LeaderWidget::propertyIds() const
     return {PropName, PropType, PropLength};
 }
 
-QString LeaderWidget::effectiveMode() const
+const QString& LeaderWidget::modeUnder(const CWidget* parent, const QString& parentMode) const
 {
-    const CWidget* p = parentWidget();
-    if (p && p->itemType() == ItemReceiver)
-        return Modes::dynaline();
-    return CWidget::effectiveMode();
+    if (parent && parent->itemType() == ItemReceiver)
+        return constant(Mode::Dynaline);
+    return CWidget::modeUnder(parent, parentMode);
 }
 
 JumperWidget::JumperWidget(const Database* db, DLFixture* fixture, const CableWidget* handed)
@@ -590,12 +699,11 @@ QVariant FixtureWidget::cellData(int column, int role) const
     return base;
 }
 
-QString FixtureWidget::effectiveMode() const
+const QString& FixtureWidget::modeUnder(const CWidget* parent, const QString& parentMode) const
 {
-    const CWidget* p = parentWidget();
-    if (p && p->itemType() == ItemReceiver)
-        return Modes::dynaline();
-    return CWidget::effectiveMode();
+    if (parent && parent->itemType() == ItemReceiver)
+        return constant(Mode::Dynaline);
+    return CWidget::modeUnder(parent, parentMode);
 }
 
 // =============================================================================================
@@ -678,27 +786,31 @@ QList<int> ReceiverWidget::propertyIds() const
 EditorRule ReceiverWidget::editorRule(int id) const
 {
     if (id == PropJunctionBox) {
+        EditorRule rule;
         QStringList choices;
         if (m_db) {
             for (const DLJunctionBox* box : m_db->junctionBoxes()) {
                 if (box->receiverMountable && (childCount() == 0 || fits(box)))
                     choices.append(box->name);
                 else
-                    qDebug().noquote() << QStringLiteral("jbox too small or not compatible: ") + box->name;
+                    rule.debugLines.append(QStringLiteral("jbox too small or not compatible: ") + box->name);
             }
         }
-        return comboOf(choices, m_junctionBox);
+        const QStringList notes = rule.debugLines;
+        rule = comboOf(choices, m_junctionBox);
+        rule.debugLines = notes;
+        return rule;
     }
     if (id == PropDynaLineLength)
         return readOnlyOf(lengthText(dynaLineLength()));
     return EditorRule();
 }
 
-void ReceiverWidget::applyEditorValue(int id, const QVariant& value)
+bool ReceiverWidget::applyEditorValue(int id, const QVariant& value)
 {
     if (id == PropDynaLineLength)
-        return; // computed
-    CWidget::applyEditorValue(id, value);
+        return false; // computed
+    return CWidget::applyEditorValue(id, value);
 }
 
 QVariant ReceiverWidget::cellData(int column, int role) const
@@ -756,8 +868,23 @@ QString BranchWireWidget::effectiveMode() const
     if (!p)
         return Modes::undefined();
     // Resolved once from the parent, then kept.
-    m_inputMode = p->itemType() == ItemReceiver ? Modes::dynaline() : p->effectiveMode();
+    m_inputMode = modeUnder(p, p->effectiveMode());
     return m_inputMode;
+}
+
+const QString& BranchWireWidget::modeUnder(const CWidget* parent, const QString& parentMode) const
+{
+    if (m_inputMode != constant(Mode::Undefined))
+        return m_inputMode;
+    if (!parent)
+        return constant(Mode::Undefined);
+    return parent->itemType() == ItemReceiver ? constant(Mode::Dynaline) : parentMode;
+}
+
+const QString& BranchWireWidget::locationUnder(const QString& ownMode, const QString& parentLocation) const
+{
+    Q_UNUSED(parentLocation)
+    return ownMode;
 }
 
 EditorRule BranchWireWidget::editorRule(int id) const
@@ -795,17 +922,19 @@ EditorRule BranchWireWidget::editorRule(int id) const
         return comboOf(choices, effectiveMode());
     }
     case PropLocation:
-        return comboOf(m_db ? m_db->locations().keys() : QStringList(), m_location);
+        return comboOf(m_db ? m_db->locationNames() : QStringList(), m_location);
     default:
         return EditorRule();
     }
 }
 
-void BranchWireWidget::applyEditorValue(int id, const QVariant& value)
+bool BranchWireWidget::applyEditorValue(int id, const QVariant& value)
 {
-    CWidget::applyEditorValue(id, value);
+    if (!CWidget::applyEditorValue(id, value))
+        return false;
     if (id == PropLocation)
         emit locationChanged(m_location);
+    return true;
 }
 
 // =============================================================================================
@@ -845,11 +974,11 @@ EditorRule JunctionBoxWidget::editorRule(int id) const
     return EditorRule();
 }
 
-void JunctionBoxWidget::applyEditorValue(int id, const QVariant& value)
+bool JunctionBoxWidget::applyEditorValue(int id, const QVariant& value)
 {
     if (id == PropOutputMode)
-        return; // inherited from the parent
-    CWidget::applyEditorValue(id, value);
+        return false; // inherited from the parent
+    return CWidget::applyEditorValue(id, value);
 }
 
 // =============================================================================================

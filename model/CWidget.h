@@ -83,7 +83,15 @@ struct EditorRule {
     int maximum = 999;     // spin
     QString suffix;        // spin: " ft"
     QString text;          // read-only text
+    // Debug-log lines the editor writes once when it is filled (entries left out, and why).
+    QStringList debugLines;
+
+    // A typed length within the limits: above the maximum is the maximum, below the minimum the
+    // minimum; digits are never dropped.
+    int clamped(int typed) const { return typed > maximum ? maximum : (typed < minimum ? minimum : typed); }
 };
+
+
 
 // Loading flag: set while a component element of a project file is read, so creation defaults
 // from the catalog are not applied (the file supplies every value).
@@ -139,8 +147,9 @@ public:
     virtual QString displayName() const;
     virtual QList<int> propertyIds() const;
     virtual EditorRule editorRule(int id) const;
-    // Stores an edited value; emits valueChanged (ids the kind does not show are ignored).
-    virtual void applyEditorValue(int id, const QVariant& value);
+    // Stores an edited value and emits valueChanged; returns false, emitting nothing, when the
+    // value is the one already held (ids the kind does not show are ignored).
+    virtual bool applyEditorValue(int id, const QVariant& value);
     QDomElement saveToXml(QDomDocument& doc, bool* ok = nullptr) const;
     static bool isWidgetElement(const QDomElement& element);
     virtual int maxChildren() const;
@@ -148,6 +157,14 @@ public:
     virtual QVariant cellData(int column, int role) const;
     virtual QRect itemRect() const;
     virtual QString effectiveMode() const;
+    // The mode rule of this kind, one step down the tree: the effective mode when the parent
+    // component is parent (null: none) and its mode is parentMode. effectiveMode() walks up
+    // through it; the analysis walks down through it. The result refers to parentMode, to this
+    // component or to a constant, so a walk down the tree copies no text.
+    virtual const QString& modeUnder(const CWidget* parent, const QString& parentMode) const;
+    // Likewise the location rule: the location text given this component's own mode and the
+    // parent's location text (empty without a parent).
+    virtual const QString& locationUnder(const QString& ownMode, const QString& parentLocation) const;
     // The mode-side location ("Feedwise", "Dynaline", "Line Voltage", ...) that rules, colours and
     // checks compare with: a supply's explicit location or output mode, a branch wire's mode, and
     // the parent's for everything else.
@@ -201,10 +218,12 @@ public:
 
     QList<int> propertyIds() const override;
     EditorRule editorRule(int id) const override;
-    void applyEditorValue(int id, const QVariant& value) override;
+    bool applyEditorValue(int id, const QVariant& value) override;
     QVariant cellData(int column, int role) const override;
     QRect itemRect() const override { return QRect(0, 0, 220, 20); }
     QString effectiveMode() const override { return m_outputMode; }
+    const QString& modeUnder(const CWidget* parent, const QString& parentMode) const override;
+    const QString& locationUnder(const QString& ownMode, const QString& parentLocation) const override;
     QString locationText() const override;
 
 private:
@@ -225,11 +244,11 @@ public:
                 const CableWidget* handed);
 
     QString type() const { return m_type; }
-    void setType(const QString& t) { m_type = t; }
+    void setType(const QString& t);
     QString gauge() const { return m_gauge; }
     void setGauge(const QString& g) { m_gauge = g; }
     double length() const { return m_length; }
-    void setLength(double l) { m_length = l; }
+    void setLength(double l);
     QString fixtureName() const;
     bool isCustom() const { return m_type.contains(QLatin1String("Custom")); }
 
@@ -241,9 +260,19 @@ public:
     double resistancePerFoot() const;
 
     EditorRule editorRule(int id) const override;
-    void applyEditorValue(int id, const QVariant& value) override;
+    // A Type change applies the new type's defaults as creation does.
+    bool applyEditorValue(int id, const QVariant& value) override;
+    // The length limit of a custom cable for a gauge: that wire's maximum when the cable lists the
+    // gauge with a limit, else the largest maximum among its wires (0 when none has one).
+    static int customLengthLimit(const VxJumper* cable, const QString& gauge);
 
 protected:
+    // Takes cable's defaults: a fixed cable its own length and no gauge; a custom one keeps gauge
+    // and length when the gauge is one of its wires and the length fits, else its default wire and
+    // default custom length.
+    void applyCableDefaults(const VxJumper* cable, bool keepFitting);
+    void keepFixedJumperLength();
+
     QString m_type;
     QString m_gauge;
     double m_length = 0.0;
@@ -257,7 +286,7 @@ public:
     QString displayName() const override { return QStringLiteral("Leader"); }
     QList<int> propertyIds() const override;
     int propertyCount() const override { return propertyIds().size(); }
-    QString effectiveMode() const override;
+    const QString& modeUnder(const CWidget* parent, const QString& parentMode) const override;
 };
 
 class JumperWidget : public CableWidget
@@ -284,7 +313,7 @@ public:
     QList<int> propertyIds() const override;
     int maxChildren() const override { return m_capacity; }
     QVariant cellData(int column, int role) const override;
-    QString effectiveMode() const override;
+    const QString& modeUnder(const CWidget* parent, const QString& parentMode) const override;
 
 private:
     int m_capacity = 1;
@@ -313,7 +342,7 @@ public:
 
     QList<int> propertyIds() const override;
     EditorRule editorRule(int id) const override;
-    void applyEditorValue(int id, const QVariant& value) override;
+    bool applyEditorValue(int id, const QVariant& value) override;
     int maxChildren() const override { return capacityA() + capacityB(); }
     QVariant cellData(int column, int role) const override;
 
@@ -350,8 +379,10 @@ public:
     QString displayName() const override { return QStringLiteral("Branch Wire"); }
     QList<int> propertyIds() const override;
     EditorRule editorRule(int id) const override;
-    void applyEditorValue(int id, const QVariant& value) override;
+    bool applyEditorValue(int id, const QVariant& value) override;
     QString effectiveMode() const override;
+    const QString& modeUnder(const CWidget* parent, const QString& parentMode) const override;
+    const QString& locationUnder(const QString& ownMode, const QString& parentLocation) const override;
     QString locationText() const override { return effectiveMode(); }
 
 signals:
@@ -383,7 +414,7 @@ public:
     QString displayName() const override { return QStringLiteral("Junction Box"); }
     QList<int> propertyIds() const override;
     EditorRule editorRule(int id) const override;
-    void applyEditorValue(int id, const QVariant& value) override;
+    bool applyEditorValue(int id, const QVariant& value) override;
     int maxChildren() const override { return 6; }
 
 private:

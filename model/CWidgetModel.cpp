@@ -73,8 +73,10 @@ bool CWidgetModel::setData(const QModelIndex& index, const QVariant& value, int 
 {
     if (role != Qt::EditRole || !index.isValid())
         return false;
-    widget(index)->applyEditorValue(index.column(), value);
-    emit layoutChanged();
+    // An editor left as it was (or the same entry chosen again) changes nothing, so nothing is
+    // announced: no analysis runs and the configuration stays unmodified.
+    if (widget(index)->applyEditorValue(index.column(), value))
+        emit layoutChanged();
     return true;
 }
 

@@ -56,8 +56,8 @@ void ConfigDocument::setModified(bool m)
 
 QString ConfigDocument::lastLocation() const
 {
-    if (m_lastLocation.isEmpty() && m_db && !m_db->locations().isEmpty())
-        return m_db->locations().firstKey();
+    if (m_lastLocation.isEmpty() && m_db && !m_db->locationNames().isEmpty())
+        return m_db->locationNames().first();
     return m_lastLocation;
 }
 
@@ -141,10 +141,93 @@ void ConfigDocument::reset()
     setModified(true);
 }
 
+Additions ConfigDocument::allowedAdditions(const DLFixture* chosen) const
+{
+    Additions a;
+    const CWidget* w = current();
+    if (!w || w->isInvisibleRoot()) {
+        a.jumper = Additions::JumperOff;
+        return a;
+    }
+    const bool roomForReceiver = count(ItemReceiver) < MaxReceiversPerRun;
+    const bool familyOne = chosen && chosen->family == 1;
+    const bool hasChildren = w->childCount() > 0;
+    const bool underReceiver = w->hasAncestorOfType(ItemReceiver);
+    const QString feedwise = Modes::feedwise();
+
+    switch (w->itemType()) {
+    case ItemSupply:
+        if (hasChildren)
+            break;
+        if (w->locationText() != feedwise) {
+            a.maximize = a.fixture = a.leader = a.junctionBox = true;
+        } else {
+            a.maximize = !familyOne;
+            a.receiver = roomForReceiver;
+            a.fixture = !familyOne;
+            a.enabler = true;
+            a.junctionBox = true;
+        }
+        break;
+    case ItemLeader:
+    case ItemJumper:
+        if (hasChildren)
+            break;
+        a.fixture = !(underReceiver && familyOne);
+        a.maximize = true;
+        break;
+    case ItemFixture: {
+        const bool room = w->childCount() < w->maxChildren();
+        a.fixture = room;
+        a.jumper = room ? Additions::JumperOn : Additions::JumperOff;
+        const CWidget* parent = w->parentWidget();
+        a.maximize = !hasChildren && !(parent && parent->itemType() == ItemReceiver);
+        break;
+    }
+    case ItemReceiver: {
+        const auto* r = static_cast<const ReceiverWidget*>(w);
+        const bool takesBox = r->canTakeJunctionBox();
+        const bool takesFixtures = r->canTakeFixtures() && !familyOne;
+        a.junctionBox = takesBox;
+        a.receiver = roomForReceiver && takesBox;
+        a.fixture = a.leader = a.maximize = takesFixtures;
+        break;
+    }
+    case ItemBranchWire:
+        if (hasChildren)
+            break;
+        a.junctionBox = true;
+        if (w->locationText() == feedwise) {
+            a.enabler = true;
+            a.receiver = roomForReceiver;
+        }
+        a.maximize = true;
+        break;
+    case ItemJunctionBox: {
+        const auto* j = static_cast<const JunctionBoxWidget*>(w);
+        const CWidget* parent = w->parentWidget();
+        const bool parentFeedwise = parent && parent->locationText() == feedwise;
+        const bool feedsSupply = j->canFeedSupply();
+        const bool feedsFixtures = j->canFeedFixtures();
+        a.receiver = parentFeedwise && roomForReceiver && feedsSupply;
+        a.fixture = a.maximize = a.leader = !parentFeedwise && feedsFixtures && !(underReceiver && familyOne);
+        a.enabler = feedsSupply;
+        a.junctionBox = feedsSupply || feedsFixtures;
+        break;
+    }
+    default:
+        a.jumper = Additions::JumperOff;
+        break;
+    }
+    return a;
+}
+
 CWidget* ConfigDocument::addBranchWire(int spare, const QString& inputMode, bool defaultWireName)
 {
     Q_UNUSED(defaultWireName) // a new branch wire always takes the catalog's default name and gauge
-    auto* wire = new BranchWireWidget(m_db, m_db ? m_db->firstBranchWire() : nullptr);
+    if (!m_db || !m_db->firstBranchWire())
+        return nullptr;
+    auto* wire = new BranchWireWidget(m_db, m_db->firstBranchWire());
     wire->setSpare(spare);
     wire->setLocation(lastLocation());
     if (!inputMode.isEmpty())
@@ -154,10 +237,11 @@ CWidget* ConfigDocument::addBranchWire(int spare, const QString& inputMode, bool
 
 CWidget* ConfigDocument::addSupply(DLPowerSupply* record)
 {
-    if (!record)
+    const CWidget* cur = current();
+    // A further enabler hangs below the selection; without one it would be a second root.
+    if (!record || (root() && !cur))
         return nullptr;
     const bool hadSupply = count(ItemSupply) > 0;
-    const CWidget* cur = current();
     if (hadSupply && (!cur || cur->itemType() != ItemBranchWire)) {
         if (!addBranchWire(3, Modes::feedwise(), true))
             return nullptr;
@@ -170,7 +254,7 @@ CWidget* ConfigDocument::addSupply(DLPowerSupply* record)
 
 CWidget* ConfigDocument::addFixture(DLFixture* record)
 {
-    if (!record)
+    if (!record || !current())
         return nullptr;
     auto* fixture = new FixtureWidget(m_db, record, 0);
     return insert(fixture).isValid() ? fixture : nullptr;
@@ -178,7 +262,7 @@ CWidget* ConfigDocument::addFixture(DLFixture* record)
 
 CWidget* ConfigDocument::addLeader(DLFixture* fixture)
 {
-    if (!fixture)
+    if (!fixture || !current())
         return nullptr;
     // A new leader copies the last leader below the selection, else the last on the canvas.
     const CableWidget* handed = nullptr;
@@ -203,7 +287,7 @@ CWidget* ConfigDocument::addLeader(DLFixture* fixture)
 
 CWidget* ConfigDocument::addJumper(DLFixture* fixture)
 {
-    if (!fixture)
+    if (!fixture || !current())
         return nullptr;
     const CableWidget* handed = nullptr;
     for (const CWidget* w = current(); w; w = w->parentWidget()) {
@@ -219,11 +303,13 @@ CWidget* ConfigDocument::addJumper(DLFixture* fixture)
 CWidget* ConfigDocument::addReceiver()
 {
     const CWidget* cur = current();
-    if (!cur || cur->itemType() != ItemBranchWire) {
+    DLReceiver* rec = (m_db && !m_db->receivers().isEmpty()) ? m_db->receivers().first() : nullptr;
+    if (!cur || !rec)
+        return nullptr;
+    if (cur->itemType() != ItemBranchWire) {
         if (!addBranchWire(3, Modes::feedwise(), false))
             return nullptr;
     }
-    DLReceiver* rec = (m_db && !m_db->receivers().isEmpty()) ? m_db->receivers().first() : nullptr;
     auto* receiver = new ReceiverWidget(m_db, rec, 0);
     return insert(receiver).isValid() ? receiver : nullptr;
 }
@@ -231,20 +317,22 @@ CWidget* ConfigDocument::addReceiver()
 CWidget* ConfigDocument::addJunctionBox()
 {
     const CWidget* cur = current();
-    const bool onReceiver = cur && cur->itemType() == ItemReceiver;
-    if (!cur || cur->itemType() != ItemBranchWire) {
-        const QString mode = onReceiver ? Modes::feedwise() : (cur ? cur->locationText() : QString());
+    if (!cur || !m_db)
+        return nullptr;
+    const bool onReceiver = cur->itemType() == ItemReceiver;
+    DLJunctionBox* rec = nullptr;
+    for (DLJunctionBox* box : m_db->junctionBoxes()) {
+        if (box->receiverOnly == onReceiver) {
+            rec = box;
+            break;
+        }
+    }
+    if (!rec)
+        return nullptr;
+    if (cur->itemType() != ItemBranchWire) {
+        const QString mode = onReceiver ? Modes::feedwise() : cur->locationText();
         if (!addBranchWire(4, mode, false))
             return nullptr;
-    }
-    DLJunctionBox* rec = nullptr;
-    if (m_db) {
-        for (DLJunctionBox* box : m_db->junctionBoxes()) {
-            if (box->receiverOnly == onReceiver) {
-                rec = box;
-                break;
-            }
-        }
     }
     auto* box = new JunctionBoxWidget(m_db, rec);
     return insert(box).isValid() ? box : nullptr;

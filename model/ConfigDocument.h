@@ -13,6 +13,27 @@ class DLFixture;
 class DLPowerSupply;
 class QItemSelectionModel;
 
+// The additions the current component allows: the enabled state of each add button and of
+// Maximize. The jumper's state is named only where the rule sets it; elsewhere the Jumper button
+// keeps the state it had.
+struct Additions {
+    enum Jumper { JumperUnchanged, JumperOff, JumperOn };
+    bool fixture = false;
+    bool leader = false;
+    bool receiver = false;
+    bool junctionBox = false;
+    bool enabler = false;
+    bool maximize = false;
+    Jumper jumper = JumperUnchanged;
+
+    bool operator==(const Additions& o) const
+    {
+        return fixture == o.fixture && leader == o.leader && receiver == o.receiver &&
+               junctionBox == o.junctionBox && enabler == o.enabler && maximize == o.maximize &&
+               jumper == o.jumper;
+    }
+};
+
 // One configuration without any widget: the component tree (through its item model), the current
 // component, the modified flag, the technology type and the last branch-wire location, with the
 // insertions and deletions the canvas performs and the add flows of the main window's buttons.
@@ -60,7 +81,17 @@ public:
     // Empties the tree, announces the change and marks the configuration modified.
     void reset();
 
-    // The add buttons. Each returns the last component inserted, or null when it was refused.
+    // Receivers one run may hold.
+    static constexpr int MaxReceiversPerRun = 63;
+
+    // What may be added below the current component, with chosen the fixture the fixture
+    // selector names (its family 1 keeps fixtures off some places). The window maps it onto its
+    // buttons after every change of the selection, the tree or a component.
+    Additions allowedAdditions(const DLFixture* chosen) const;
+
+    // The add buttons. Each returns the last component inserted, or null when it was refused:
+    // everything but an enabler needs a selected component to hang below, and every component
+    // needs its catalog record.
     CWidget* addSupply(DLPowerSupply* record);
     CWidget* addFixture(DLFixture* record);
     CWidget* addLeader(DLFixture* fixture);

@@ -1,6 +1,15 @@
 #pragma once
 
+#include <QList>
 #include <QString>
+
+// The line-voltage list after a fixture change is the fixture's voltages in list order followed by
+// the custom entry (customText, "Other"). Returns the entry to select: the custom entry
+// (voltages.size()) when it was the previous choice, else the previous voltage where offered,
+// else the fixture's starting voltage, else the first voltage; -1 when there is nothing to select.
+// The main window and the headless session both rebuild their lists through it.
+int voltageEntryAfterFixtureChange(const QList<int>& voltages, int startingVoltage, const QString& previous,
+                                   const QString& customText);
 
 // The header choices of a configuration: what the selectors of the main window show. Project files
 // read and write them through this interface; the main window implements it over its combo boxes,

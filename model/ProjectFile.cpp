@@ -6,6 +6,7 @@
 #include "model/CWidget.h"
 #include "model/ConfigDocument.h"
 #include "model/HeaderChoices.h"
+#include "model/SafeFile.h"
 
 #include <QCoreApplication>
 #include <QDomNamedNodeMap>
@@ -204,23 +205,57 @@ QByteArray serialize(const QDomDocument& dom, const CWidget* root)
 }
 
 // Why a file is refused before it is parsed into a document.
-enum class Refusal { None, TooDeep, TooWide };
+enum class Refusal { None, TooDeep, TooWide, NotXml, NotProject };
+
+struct Scan {
+    Refusal refusal = Refusal::None;
+    QString detail; // the parser's complaint, or the name of a foreign root element
+    // Where a file that starts as a project stops being well-formed XML; empty when read whole.
+    QString breaksOff;
+};
+
+QString parseProblem(const QXmlStreamReader& xml)
+{
+    QString text = xml.errorString();
+    while (text.endsWith(u'.'))
+        text.chop(1);
+    // The complaint may quote the offending character, a NUL or another control among them.
+    for (QChar& c : text)
+        if (!c.isPrint())
+            c = QChar::ReplacementCharacter;
+    return tr("line %1, column %2: %3")
+        .arg(QString::number(xml.lineNumber()), QString::number(xml.columnNumber()), text);
+}
 
 // QDomDocument frees its nodes recursively, so a file nested deep enough would overflow the stack
 // before a single component is read; the stream reader keeps its own element stack. And placing a
 // child by the child-order rule looks at its siblings, so a component with thousands of children
-// takes time that grows with their square.
-Refusal prescan(const QByteArray& bytes)
+// takes time that grows with their square. The same pass learns whether the file is a project at
+// all (well-formed up to a "Runplan" root element) and where it breaks off.
+Scan prescan(const QByteArray& bytes)
 {
+    Scan scan;
     QXmlStreamReader xml(bytes);
-    QList<int> widgetChildren{0}; // per open element, how many "CWidget" elements it holds so far
+    xml.setNamespaceProcessing(false); // as the document parser reads it
+    QList<int> widgetChildren{0};      // per open element, how many "CWidget" elements it holds so far
+    bool rootSeen = false;
     while (!xml.atEnd()) {
         switch (xml.readNext()) {
         case QXmlStreamReader::StartElement:
-            if (widgetChildren.size() > ProjectFile::MaxNestingDepth)
-                return Refusal::TooDeep;
-            if (xml.name() == kWidgetTag && ++widgetChildren.last() > ProjectFile::MaxChildren)
-                return Refusal::TooWide;
+            if (!rootSeen && xml.name() != kRootTag) {
+                scan.refusal = Refusal::NotProject;
+                scan.detail = xml.name().toString();
+                return scan;
+            }
+            rootSeen = true;
+            if (widgetChildren.size() > ProjectFile::MaxNestingDepth) {
+                scan.refusal = Refusal::TooDeep;
+                return scan;
+            }
+            if (xml.name() == kWidgetTag && ++widgetChildren.last() > ProjectFile::MaxChildren) {
+                scan.refusal = Refusal::TooWide;
+                return scan;
+            }
             widgetChildren.append(0);
             break;
         case QXmlStreamReader::EndElement:
@@ -230,7 +265,32 @@ Refusal prescan(const QByteArray& bytes)
             break;
         }
     }
-    return Refusal::None;
+    if (xml.hasError()) {
+        if (rootSeen) {
+            scan.breaksOff = parseProblem(xml);
+        } else {
+            scan.refusal = Refusal::NotXml;
+            scan.detail = parseProblem(xml);
+        }
+    }
+    return scan;
+}
+
+QString refusalReason(const Scan& scan)
+{
+    switch (scan.refusal) {
+    case Refusal::TooDeep:
+        return tr("nested more than %1 levels").arg(ProjectFile::MaxNestingDepth);
+    case Refusal::TooWide:
+        return tr("a component holds more than %1 others").arg(ProjectFile::MaxChildren);
+    case Refusal::NotXml:
+        return tr("not well-formed XML (%1)").arg(scan.detail);
+    case Refusal::NotProject:
+        return tr("its root element is \"%1\", not \"Runplan\"").arg(scan.detail);
+    case Refusal::None:
+        break;
+    }
+    return QString();
 }
 
 // The first "CWidget" element below e in document order (not e itself), or a null element.
@@ -401,20 +461,17 @@ bool save(const QString& path, ConfigDocument& doc, const HeaderChoices& header,
     const QString fullPath = withExtension(path);
     const QString failedStatus = tr("Failed to save configuration: %1").arg(fullPath);
 
-    // The document is written to a temporary file that replaces the old one only once complete.
+    // The path is used as given: the working folder is not changed around the save, since that
+    // would do nothing for an absolute path and would misdirect a relative one.
     QSaveFile file(fullPath);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
+    if (!SafeFile::open(file)) {
         reporter->message(Reporter::Kind::Warning, tr("Save Error"),
                           tr("Cannot open file %1:\n%2.").arg(fullPath, file.errorString()));
         reporter->status(failedStatus);
         return false;
     }
     const QByteArray bytes = toBytes(doc, header);
-    // commit() does not notice a buffered write that fails while it flushes (the disk filling up,
-    // say), so everything is flushed and checked before the old file is replaced.
-    const bool written = file.write(bytes) == bytes.size() && file.flush() &&
-                         file.error() == QFileDevice::NoError && file.commit();
-    if (!written) {
+    if (file.write(bytes) != bytes.size() || !SafeFile::commit(file)) {
         file.cancelWriting();
         reporter->message(Reporter::Kind::Critical, tr("Save Error"),
                           tr("Failed to save configuration file: %1").arg(fullPath));
@@ -431,20 +488,25 @@ bool save(const QString& path, ConfigDocument& doc, const HeaderChoices& header,
 namespace
 {
 bool readImpl(const QByteArray& bytes, const QString& source, ConfigDocument& doc, HeaderChoices& header,
-              Reporter* reporter)
+              Reporter* reporter, QString* notReadWhole)
 {
-    const Refusal refusal = prescan(bytes);
-    if (refusal != Refusal::None) {
-        const QString reason = refusal == Refusal::TooDeep
-                                   ? tr("nested more than %1 levels").arg(MaxNestingDepth)
-                                   : tr("a component holds more than %1 others").arg(MaxChildren);
+    if (notReadWhole)
+        notReadWhole->clear();
+    const Scan scan = prescan(bytes);
+    if (scan.refusal != Refusal::None) {
+        const QString reason = refusalReason(scan);
+        const QString shown = source.isEmpty() ? tr("The project") : source;
+        reporter->message(Reporter::Kind::Warning, tr("Open Error"),
+                          tr("Cannot open %1 as a project:\n%2.").arg(shown, reason));
         reporter->status(source.isEmpty() ? tr("Failed to open configuration: %1").arg(reason)
                                           : tr("Failed to open configuration %1: %2").arg(source, reason));
         return false;
     }
+    if (notReadWhole)
+        *notReadWhole = scan.breaksOff;
 
-    // A parse error is not reported: whatever was parsed is used, and what is missing reads as
-    // its default.
+    // A project that breaks off is not reported here: whatever was parsed is used, and what is
+    // missing reads as its default. The caller learns where it broke off.
     QDomDocument dom(kDocumentType);
     dom.setContent(bytes);
     const QDomElement root = dom.firstChildElement(kRootTag);
@@ -475,7 +537,8 @@ bool readImpl(const QByteArray& bytes, const QString& source, ConfigDocument& do
 }
 } // namespace
 
-bool open(const QString& path, ConfigDocument& doc, HeaderChoices& header, Reporter* reporter)
+bool open(const QString& path, ConfigDocument& doc, HeaderChoices& header, Reporter* reporter,
+          QString* notReadWhole)
 {
     if (!reporter)
         reporter = Reporter::global();
@@ -493,13 +556,13 @@ bool open(const QString& path, ConfigDocument& doc, HeaderChoices& header, Repor
         return false;
     }
     file.close();
-    return readImpl(bytes, path, doc, header, reporter);
+    return readImpl(bytes, path, doc, header, reporter, notReadWhole);
 }
 
 bool read(const QByteArray& bytes, ConfigDocument& doc, HeaderChoices& header, Reporter* reporter,
-          const QString& sourceName)
+          const QString& sourceName, QString* notReadWhole)
 {
-    return readImpl(bytes, sourceName, doc, header, reporter ? reporter : Reporter::global());
+    return readImpl(bytes, sourceName, doc, header, reporter ? reporter : Reporter::global(), notReadWhole);
 }
 
 bool loadFrame(const QDomElement& element, ConfigDocument& doc, QString* error)

@@ -25,20 +25,25 @@ QString mapLegacyFixtureName(const QString& name);
 QDomDocument buildDocument(const ConfigDocument& doc, const HeaderChoices& header);
 QByteArray toBytes(const ConfigDocument& doc, const HeaderChoices& header);
 
-// Writes the project atomically: a failed save leaves any previous file as it was. Reports
+// Writes the project atomically: a failed save leaves any previous file as it was (except where
+// only the file itself may be written, not its folder: see SafeFile). Reports
 // "Save Error" messages and status lines through the reporter; on success the status line is
 // "Configuration saved" and the document's modified flag is cleared. savedPath receives the path
 // with its extension.
 bool save(const QString& path, ConfigDocument& doc, const HeaderChoices& header, Reporter* reporter,
           QString* savedPath = nullptr);
 
-// Reads a project into the header choices and the document. False when the file cannot be read
-// ("Open Error") or is refused as nested too deeply or too wide (a status line only); in these
-// cases nothing changes. Any other content is read as far as it goes, and the result is true.
-bool open(const QString& path, ConfigDocument& doc, HeaderChoices& header, Reporter* reporter);
+// Reads a project into the header choices and the document. False when the file cannot be read,
+// is not a project (not well-formed XML up to its first element, or a root element other than
+// "Runplan") or is refused as nested too deeply or too wide: an "Open Error" message and a status
+// line say why, and nothing changes. A project that breaks off later is read as far as it parses
+// and the result is true; notReadWhole then receives where and why it broke off (it is emptied
+// for a file read whole).
+bool open(const QString& path, ConfigDocument& doc, HeaderChoices& header, Reporter* reporter,
+          QString* notReadWhole = nullptr);
 // Reads from bytes already in memory (the same rules as open); sourceName names them in messages.
 bool read(const QByteArray& bytes, ConfigDocument& doc, HeaderChoices& header, Reporter* reporter,
-          const QString& sourceName = QString());
+          const QString& sourceName = QString(), QString* notReadWhole = nullptr);
 
 QDomElement saveFrame(QDomDocument& dom, const ConfigDocument& doc);
 bool loadFrame(const QDomElement& element, ConfigDocument& doc, QString* error);

@@ -37,6 +37,7 @@ void CWidgetTableView::handleSelectionChanged(const QModelIndex& index)
     m_shown = row;
     applyColumns();
     applyRows();
+    fitColumns();
     if (row.isValid())
         setCurrentIndex(row);
 }
@@ -49,6 +50,7 @@ void CWidgetTableView::handleModelReset()
         setRootIndex(m_shown.parent());
     applyColumns();
     applyRows();
+    fitColumns();
     viewport()->update();
 }
 
@@ -77,7 +79,13 @@ void CWidgetTableView::applyColumns()
     for (int id : component->propertyIds())
         if (id >= 0 && id < columns)
             setColumnHidden(id, false);
-    resizeColumnsToContents();
+}
+
+void CWidgetTableView::fitColumns()
+{
+    // Sized after the other rows are hidden, so the widths fit the one row shown.
+    if (shownComponent())
+        resizeColumnsToContents();
 }
 
 void CWidgetTableView::applyRows()

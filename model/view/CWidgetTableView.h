@@ -33,6 +33,7 @@ protected:
 private:
     void applyColumns();
     void applyRows();
+    void fitColumns();
 
     QPersistentModelIndex m_shown;
     int m_rowHeight = -1; // the smallest height seen that fills the table with its one row

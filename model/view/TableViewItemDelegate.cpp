@@ -4,9 +4,50 @@
 #include "model/CWidgetModel.h"
 #include "model/view/ComboBoxPropertyEditor.h"
 
+#include <QDebug>
 #include <QLineEdit>
 #include <QSignalBlocker>
 #include <QSpinBox>
+
+namespace
+{
+// A length spin box that takes every number typed: one past a limit is brought to that limit
+// when committed instead of being refused digit by digit (which turned 300 into 30).
+class LengthSpinBox : public QSpinBox
+{
+public:
+    using QSpinBox::QSpinBox;
+
+protected:
+    QValidator::State validate(QString& input, int& pos) const override
+    {
+        const QValidator::State state = QSpinBox::validate(input, pos);
+        bool ok = false;
+        typed(input, &ok);
+        return state == QValidator::Invalid && ok ? QValidator::Intermediate : state;
+    }
+    void fixup(QString& input) const override
+    {
+        bool ok = false;
+        const int number = typed(input, &ok);
+        if (ok)
+            input = prefix() + textFromValue(qBound(minimum(), number, maximum())) + suffix();
+        else
+            QSpinBox::fixup(input);
+    }
+
+private:
+    int typed(QString text, bool* ok) const
+    {
+        if (text.startsWith(prefix()))
+            text.remove(0, prefix().size());
+        if (text.endsWith(suffix()))
+            text.chop(suffix().size());
+        text = text.trimmed();
+        return text.toInt(ok);
+    }
+};
+} // namespace
 
 TableViewItemDelegate::TableViewItemDelegate(QObject* parent) : QStyledItemDelegate(parent) {}
 
@@ -47,7 +88,7 @@ QWidget* TableViewItemDelegate::createEditor(QWidget* parent, const QStyleOption
         break;
     }
     case EditorRule::Spin: {
-        auto* spin = new QSpinBox(parent);
+        auto* spin = new LengthSpinBox(parent);
         spin->setRange(rule.minimum, rule.maximum);
         spin->setSuffix(rule.suffix.isEmpty() ? QStringLiteral(" ft") : rule.suffix);
         editor = spin;
@@ -62,6 +103,9 @@ QWidget* TableViewItemDelegate::createEditor(QWidget* parent, const QStyleOption
     case EditorRule::None:
         return nullptr;
     }
+    // Written once per editor, not each time it is filled.
+    for (const QString& line : rule.debugLines)
+        qDebug().noquote() << line;
     editor->installEventFilter(const_cast<TableViewItemDelegate*>(this));
     editor->setFocusPolicy(Qt::StrongFocus);
     return editor;
@@ -95,6 +139,8 @@ void TableViewItemDelegate::setModelData(QWidget* editor, QAbstractItemModel* mo
 {
     QVariant value;
     if (auto* combo = qobject_cast<QComboBox*>(editor)) {
+        if (combo->currentIndex() < 0)
+            return; // nothing chosen: a value the list does not offer stays as it is
         value = combo->currentText();
     } else if (auto* spin = qobject_cast<QSpinBox*>(editor)) {
         spin->interpretText();

@@ -242,15 +242,17 @@ private slots:
         QScopedPointer<BranchWireWidget> feedGuard(feed);
         auto* receiver = new ReceiverWidget(&m_db, m_receiver);
         feed->insertChild(receiver);
-        QTest::ignoreMessage(QtDebugMsg, "jbox too small or not compatible: Box Gamma");
-        QTest::ignoreMessage(QtDebugMsg, "jbox too small or not compatible: Box Beta");
-        QCOMPARE(marked(receiver->editorRule(PropJunctionBox)), QStringList({"*Box Alpha", "Box Delta"}));
+        // Each box left out is named once, for the editor to write to the debug log.
+        const QString rejected = QStringLiteral("jbox too small or not compatible: ");
+        EditorRule boxes = receiver->editorRule(PropJunctionBox);
+        QCOMPARE(marked(boxes), QStringList({"*Box Alpha", "Box Delta"}));
+        QCOMPARE(boxes.debugLines, QStringList({rejected + "Box Gamma", rejected + "Box Beta"}));
         for (int i = 0; i < 6; ++i)
             receiver->insertChildAt(0, new FixtureWidget(&m_db, m_bar));
-        QTest::ignoreMessage(QtDebugMsg, "jbox too small or not compatible: Box Gamma");
-        QTest::ignoreMessage(QtDebugMsg, "jbox too small or not compatible: Box Beta");
-        QTest::ignoreMessage(QtDebugMsg, "jbox too small or not compatible: Box Alpha");
-        QCOMPARE(marked(receiver->editorRule(PropJunctionBox)), QStringList{"Box Delta"});
+        boxes = receiver->editorRule(PropJunctionBox);
+        QCOMPARE(marked(boxes), QStringList{"Box Delta"});
+        QCOMPARE(boxes.debugLines,
+                 QStringList({rejected + "Box Gamma", rejected + "Box Beta", rejected + "Box Alpha"}));
 
         // Leader: the fixture's leader cables; gauges only for a custom cable, and only those
         // whose length limit allows the present length.
@@ -269,8 +271,8 @@ private slots:
         leader.setGauge("14");
         QCOMPARE(maxLength(leader), 100);
 
-        // Jumper: a custom cable's gauge limit, 175 where the limit is 0, the editor's own 999
-        // for a gauge the cable does not list.
+        // Jumper: a custom cable's gauge limit, 175 where the limit is 0, and for a gauge the
+        // cable does not list its widest wire's limit (never the editor's 999 or 0).
         JumperWidget jumper(&m_db, m_bar);
         QCOMPARE(jumper.editorRule(PropType).choices, QStringList({"Jumper 2ft", "Custom Jumper"}));
         jumper.setType("Custom Jumper");
@@ -280,7 +282,7 @@ private slots:
             jumper.setGauge(gauge);
             limits << maxLength(jumper);
         }
-        QCOMPARE(limits, (QList<int>{25, 175, 999}));
+        QCOMPARE(limits, (QList<int>{25, 175, 25}));
         QCOMPARE(jumper.editorRule(PropLength).value, 4);
         jumper.setLength(25.0); // a gauge is offered up to its limit included
         QCOMPARE(jumper.editorRule(PropGauge).choices, QStringList{"16"});
@@ -383,9 +385,26 @@ private slots:
         QCOMPARE(plainBox->catalogItem()->name, "Box Gamma");
         asLeader(dyn.addLeader(m_bar))->setLength(2.5);
         dyn.setCurrent(plainBox);
-        auto* second = asLeader(dyn.addLeader(m_trough));
+        auto* second = asLeader(dyn.addLeader(m_bar));
         QCOMPARE((QStringList{second->type(), QString::number(second->length())}),
                  QStringList({"Leader 3ft", "2.5"}));
+        // A fixture that does not list the last leader's type takes its own default leader, so
+        // the leader has a cable (and a resistance) behind it.
+        dyn.setCurrent(plainBox);
+        auto* other = asLeader(dyn.addLeader(m_trough));
+        QCOMPARE((QStringList{other->type(), other->gauge(), QString::number(other->length())}),
+                 QStringList({"Custom Leader", "14", "12"}));
+        QVERIFY(other->resistancePerFoot() > 0.0);
+        // A jumper added while a jumper is selected copies that jumper.
+        dyn.setCurrent(plainBox);
+        dyn.addFixture(m_bar);
+        auto* custom = qobject_cast<JumperWidget*>(dyn.addJumper(m_bar));
+        custom->applyEditorValue(PropType, "Custom Jumper");
+        custom->setLength(7.0);
+        auto* below = qobject_cast<JumperWidget*>(dyn.addJumper(m_bar));
+        QVERIFY(below && below->parentWidget() == custom);
+        QCOMPARE((QStringList{below->type(), below->gauge(), QString::number(below->length())}),
+                 QStringList({"Custom Jumper", "16", "7"}));
 
         // A second enabler hangs below a new Feedwise wire, last, and sits on the Dynaline side.
         dyn.setCurrent(plainBox);
@@ -401,6 +420,162 @@ private slots:
         dyn.setCurrent(plainBox);
         auto* laterReceiver = dyn.addReceiver();
         QCOMPARE(qobject_cast<BranchWireWidget*>(laterReceiver->parentWidget())->location(), "Underground");
+    }
+
+    void propertyEdits()
+    {
+        SupplyWidget host(&m_db, m_duo);
+        BranchWireWidget* bw = wire("Feedwise", "Underground");
+        host.insertChild(bw);
+        QSignalSpy changes(bw, &CWidget::valueChanged);
+
+        // Typed lengths are clamped to the limits (294 ft for Feedwise wire below ground), never
+        // cut to their first digits.
+        QList<double> stored;
+        for (int typed : {300, 5000, 0, 120}) {
+            bw->applyEditorValue(PropLength, typed);
+            stored << bw->length();
+        }
+        QCOMPARE(stored, (QList<double>{294, 294, 1, 120}));
+        QCOMPARE(changes.count(), 3); // 5000 left the 294 as it was
+        // The value already held (an editor opened and left, the same entry chosen again)
+        // changes nothing and announces nothing.
+        QVERIFY(!bw->applyEditorValue(PropLength, 120));
+        QVERIFY(!bw->applyEditorValue(PropLocation, "Underground"));
+        QCOMPARE(changes.count(), 3);
+
+        // A Type change takes the new type's defaults: a fixed jumper its 2 ft and no gauge, the
+        // custom one its default wire and length, with its gauges offered.
+        JumperWidget jumper(&m_db, m_bar);
+        jumper.setLength(0.5);
+        QStringList seen;
+        for (const char* type : {"Custom Jumper", "Jumper 2ft"}) {
+            QVERIFY(jumper.applyEditorValue(PropType, type));
+            seen << QStringLiteral("%1|%2|%3").arg(jumper.type(), jumper.gauge()).arg(jumper.length());
+        }
+        QCOMPARE(seen, QStringList({"Custom Jumper|16|4", "Jumper 2ft||2"}));
+        jumper.applyEditorValue(PropType, "Custom Jumper");
+        QVERIFY(!jumper.editorRule(PropGauge).choices.isEmpty());
+
+        // A custom leader whose gauge the cable does not list is limited by its widest wire
+        // (100 ft), never 0, so Enter in its editor keeps 30 ft.
+        LeaderWidget leader(&m_db, m_bar);
+        leader.applyEditorValue(PropType, "Custom Leader");
+        QCOMPARE((QStringList{leader.gauge(), QString::number(leader.length())}), QStringList({"16", "10"}));
+        leader.setGauge("10");
+        leader.setLength(30.0);
+        QCOMPARE(maxLength(leader), 100);
+        QVERIFY(!leader.applyEditorValue(PropLength, 30));
+        QCOMPARE(leader.length(), 30.0);
+    }
+
+    void addButtonRule_data()
+    {
+        // Steps on a fresh document with the Duo enabler: add a "fixture", "jumper", "leader",
+        // "box" or "receiver"; select the "parent" or the "root"; "delete" the current component;
+        // make the enabler "feedwise"; select "nothing". "family1": the chosen fixture has family 1.
+        // "nobox": the receiver names no junction box, as an old project may; "63receivers": the
+        // most a run holds, each below the one before.
+        QTest::addColumn<QString>("steps");
+        QTest::addColumn<QString>("enabled");
+        QTest::addColumn<int>("jumper");
+        const int same = Additions::JumperUnchanged, off = Additions::JumperOff, on = Additions::JumperOn;
+
+        QTest::newRow("empty Dynaline enabler") << "" << "fixture leader box maximize" << same;
+        QTest::newRow("enabler with a child") << "fixture root" << "" << same;
+        QTest::newRow("fixture") << "fixture" << "fixture maximize" << on;
+        QTest::newRow("full fixture") << "fixture jumper parent" << "" << off;
+        QTest::newRow("jumper") << "fixture jumper" << "fixture maximize" << same;
+        QTest::newRow("leader") << "leader" << "fixture maximize" << same;
+        QTest::newRow("Dynaline junction box") << "box" << "fixture leader box enabler maximize" << same;
+        QTest::newRow("Dynaline branch wire") << "box delete" << "box maximize" << same;
+        QTest::newRow("Feedwise enabler") << "feedwise" << "fixture receiver box enabler maximize" << same;
+        QTest::newRow("Feedwise enabler, family 1") << "feedwise family1" << "receiver box enabler" << same;
+        QTest::newRow("Feedwise branch wire") << "feedwise box delete" << "receiver box enabler maximize" << same;
+        QTest::newRow("Feedwise junction box") << "feedwise box" << "receiver box enabler" << same;
+        QTest::newRow("receiver") << "feedwise receiver" << "fixture leader receiver box maximize" << same;
+        QTest::newRow("receiver, family 1") << "feedwise receiver family1" << "receiver box" << same;
+        QTest::newRow("fixture on a receiver") << "feedwise receiver fixture" << "fixture" << on;
+        QTest::newRow("Feedwise wire with a receiver") << "feedwise receiver parent" << "" << same;
+        QTest::newRow("receiver without a box") << "feedwise receiver nobox" << "" << same;
+        QTest::newRow("63rd receiver") << "feedwise 63receivers" << "fixture leader box maximize" << same;
+        QTest::newRow("nothing selected") << "fixture nothing" << "" << off;
+    }
+
+    void addButtonRule()
+    {
+        QFETCH(QString, steps);
+        QFETCH(QString, enabled);
+        QFETCH(int, jumper);
+        ConfigDocument doc(&m_db);
+        doc.addSupply(m_duo);
+        const DLFixture* chosen = m_bar;
+        DLFixture familyOne(QStringLiteral("One"), 1);
+        familyOne.family = 1;
+        for (const QString& step : steps.split(' ', Qt::SkipEmptyParts)) {
+            if (step == "fixture")
+                QVERIFY(doc.addFixture(m_bar));
+            else if (step == "jumper")
+                QVERIFY(doc.addJumper(m_bar));
+            else if (step == "leader")
+                QVERIFY(doc.addLeader(m_bar));
+            else if (step == "box")
+                QVERIFY(doc.addJunctionBox());
+            else if (step == "receiver")
+                QVERIFY(doc.addReceiver());
+            else if (step == "parent")
+                doc.setCurrent(doc.current()->parentWidget());
+            else if (step == "root")
+                doc.setCurrent(doc.root());
+            else if (step == "delete")
+                QVERIFY(doc.removeCurrent());
+            else if (step == "nothing")
+                doc.setCurrentIndex(QModelIndex());
+            else if (step == "feedwise")
+                QVERIFY(doc.root()->applyEditorValue(PropOutputMode, "Feedwise"));
+            else if (step == "family1")
+                chosen = &familyOne;
+            else if (step == "nobox") {
+                auto* receiver = qobject_cast<ReceiverWidget*>(doc.current());
+                QVERIFY(receiver);
+                receiver->setJunctionBox(QString());
+            } else if (step == "63receivers")
+                for (int i = 0; i < 63; ++i)
+                    QVERIFY(doc.addReceiver());
+        }
+        const Additions a = doc.allowedAdditions(chosen);
+        QStringList on;
+        const std::pair<const char*, bool> named[] = {{"fixture", a.fixture},     {"leader", a.leader},
+                                                      {"receiver", a.receiver},   {"box", a.junctionBox},
+                                                      {"enabler", a.enabler},     {"maximize", a.maximize}};
+        for (const auto& [label, allowed] : named)
+            if (allowed)
+                on << label;
+        QCOMPARE(on.join(' '), enabled);
+        QCOMPARE(int(a.jumper), jumper);
+    }
+
+    void addsNeedARootAndRecords()
+    {
+        // An empty canvas takes only an enabler: nothing else may become a root.
+        ConfigDocument empty(&m_db);
+        QVERIFY(!empty.addJunctionBox() && !empty.addReceiver() && !empty.addFixture(m_bar) &&
+                !empty.addLeader(m_bar) && !empty.addJumper(m_bar));
+        QCOMPARE(empty.count(ItemAny), 0);
+        QVERIFY(!empty.isModified());
+        QVERIFY(empty.addSupply(m_duo));
+        // A second enabler needs a selection to hang below.
+        empty.setCurrentIndex(QModelIndex());
+        QVERIFY(!empty.addSupply(m_duo));
+        QCOMPARE(empty.count(ItemAny), 1);
+
+        // Without the catalog's records nothing is added, not even the branch wire before it.
+        Database none;
+        ConfigDocument bare(&none);
+        bare.setRoot(new SupplyWidget(&m_db, m_duo));
+        QVERIFY(!bare.addReceiver() && !bare.addJunctionBox());
+        QVERIFY(!bare.addSupply(nullptr) && !bare.addFixture(nullptr));
+        QCOMPARE(bare.count(ItemAny), 1);
     }
 
 private:

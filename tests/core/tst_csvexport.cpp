@@ -22,15 +22,40 @@ QByteArray readData(const QString& name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+// The session as the export sees it, with the progress a dialog would show and its Cancel.
+struct WatchedSession : ExportHost {
+    Session& s;
+    QList<int> progressSeen;
+    int cancelAfterRows = -1; // report a cancel after this many rows
+
+    explicit WatchedSession(Session& session) : s(session) {}
+    const Database& database() const override { return s.database(); }
+    void selectEnabler(const DLPowerSupply* e) override { s.selectEnabler(e); }
+    void selectFixture(const VxFixture* f) override { s.selectFixture(f); }
+    void selectLineVoltage(int volts) override { s.selectLineVoltage(volts); }
+    void resetWithFixture() override { s.resetWithFixture(); }
+    void maximize() override { s.maximize(); }
+    int fixtureCount() const override { return s.fixtureCount(); }
+    double totalLength() const override { return s.totalLength(); }
+    const VxFixture* currentFixture() const override { return s.currentFixture(); }
+    bool progress(int percent) override
+    {
+        progressSeen.append(percent);
+        return !(cancelAfterRows >= 0 && progressSeen.size() >= cancelAfterRows);
+    }
+};
+
 struct Harness {
     Database db;
     RecordingReporter loadMessages;
     std::unique_ptr<Session> session;
+    std::unique_ptr<WatchedSession> host;
 
     Harness()
     {
         db.loadFile(testDataPath(QStringLiteral("calc/export.xml")), &loadMessages);
         session = std::make_unique<Session>(db);
+        host = std::make_unique<WatchedSession>(*session);
     }
     bool ready() const { return db.isValid() && loadMessages.messages.isEmpty(); }
 
@@ -38,7 +63,7 @@ struct Harness {
     {
         QBuffer buffer;
         buffer.open(QIODevice::WriteOnly);
-        const bool done = CsvExport::exportAllFixtures(buffer, *session);
+        const bool done = CsvExport::exportAllFixtures(buffer, *host);
         if (complete)
             *complete = done;
         return buffer.data();
@@ -48,7 +73,7 @@ struct Harness {
         session->selectFixture(db.fixtureNamed(fixture));
         QBuffer buffer;
         buffer.open(QIODevice::WriteOnly);
-        CsvExport::exportCurrentFixture(buffer, *session);
+        CsvExport::exportCurrentFixture(buffer, *host);
         return buffer.data();
     }
 };
@@ -75,7 +100,7 @@ void TestCsvExport::allFixturesTable()
     const QByteArray written = h.exportAll(&complete);
     QVERIFY(complete);
     QCOMPARE(written, readData(QStringLiteral("export_all.csv")));
-    QCOMPARE(h.session->progressSeen, (QList<int>{25, 50, 75, 100}));
+    QCOMPARE(h.host->progressSeen, (QList<int>{25, 50, 75, 100}));
     // The export leaves the last fixture's enabler selected.
     QCOMPARE(h.session->header().supply, QStringLiteral("Line Voltage"));
 }
@@ -84,16 +109,16 @@ void TestCsvExport::cancelStopsBeforeNextRow()
 {
     Harness h;
     QVERIFY(h.ready());
-    h.session->cancelAfterRows = 1;
+    h.host->cancelAfterRows = 1;
     bool complete = true;
     const QByteArray written = h.exportAll(&complete);
     QVERIFY(!complete);
     QCOMPARE(written, QByteArray("Fixtures, 120v, 277v\nAlpha, 2 (8.5ft), 1 (4.3ft)\n"));
-    QCOMPARE(h.session->progressSeen, QList<int>{25});
+    QCOMPARE(h.host->progressSeen, QList<int>{25});
 
     // Cancelled after the last row of the first enabler: no section line follows.
     Harness h2;
-    h2.session->cancelAfterRows = 2;
+    h2.host->cancelAfterRows = 2;
     QVERIFY(!h2.exportAll().contains("Line Voltage,"));
 }
 
@@ -105,13 +130,16 @@ void TestCsvExport::currentFixtureTable()
     QCOMPARE(h.exportCurrent(QStringLiteral("Beta, Wide")),
              QByteArray("Fixtures, 120v\nBeta Wide, 3 (7.5ft)\n\n"));
     // Progress counts against both enablers' rows.
-    QCOMPARE(h.session->progressSeen, QList<int>{25});
+    QCOMPARE(h.host->progressSeen, QList<int>{25});
     // The first voltage starts from a fresh canvas, the next goes on from the tree it left.
     QCOMPARE(h.exportCurrent(QStringLiteral("Alpha")),
              QByteArray("Fixtures, 120v, 277v\nAlpha, 2 (8.5ft), 1 (4.3ft)\n\n"));
 
     h.session->selectEnabler(h.db.supplyNamed(QStringLiteral("Line Voltage")));
     QCOMPARE(h.exportCurrent(QStringLiteral("Delta")), QByteArray("Fixtures\nDelta\n\n"));
+    // A voltage the catalog lists twice is a column twice here (the all-fixtures table lists it once);
+    // the second goes on from the first one's tree.
+    QCOMPARE(h.exportCurrent(QStringLiteral("Gamma")), QByteArray("Fixtures, 277v, 277v\nGamma, 2 (20ft), 2 (20ft)\n\n"));
 }
 
 void TestCsvExport::lengthsAndColumns()
@@ -165,6 +193,11 @@ void TestCsvExport::sessionSelections()
     QCOMPARE(s.document().count(ItemAny), 1);
     QCOMPARE(s.document().root()->catalogItem()->name, QStringLiteral("Line Voltage"));
     QCOMPARE(s.currentFixture(), h.db.fixtureNamed(QStringLiteral("Gamma")));
+
+    // A custom voltage stays chosen across fixture changes, as in the window.
+    s.header().lineVoltage = QStringLiteral("Other");
+    s.selectFixture(h.db.fixtureNamed(QStringLiteral("Beta, Wide")));
+    QCOMPARE(s.header().lineVoltage, QStringLiteral("Other"));
 }
 
 QTEST_GUILESS_MAIN(TestCsvExport)

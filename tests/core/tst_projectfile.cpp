@@ -15,6 +15,8 @@
 
 #include <csignal>
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace
 {
@@ -68,6 +70,20 @@ QByteArray deepProject(int components)
                        "fixtureName=\"Stylebar Tunable Dynaline 4ft\">";
     out += QByteArray("</CWidget>").repeated(components);
     return out + "</CFrame></Runplan>";
+}
+
+// Runs f in a child process that writes as an ordinary user would (root may write into any
+// folder); true when f returned true there.
+template <typename F> bool asOrdinaryUser(F f)
+{
+    const pid_t pid = fork();
+    if (pid == 0) {
+        if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0))
+            _exit(2);
+        _exit(f() ? 0 : 1);
+    }
+    int status = 0;
+    return pid > 0 && waitpid(pid, &status, 0) == pid && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 } // namespace
@@ -242,9 +258,14 @@ private slots:
         while (deepest->childCount() > 0)
             deepest = deepest->child(deepest->childCount() - 1);
         const QModelIndex idx = copy.indexOf(deepest);
-        const int column = deepest->propertyIds().contains(PropType) ? PropType : PropName;
-        QVERIFY(copy.model()->setData(copy.model()->index(idx.row(), column, idx.parent()),
-                                      deepest->cellData(column, Qt::EditRole), Qt::EditRole));
+        const EditorRule types = deepest->editorRule(PropType);
+        QVERIFY(types.choices.size() > 1);
+        const QModelIndex cell = copy.model()->index(idx.row(), PropType, idx.parent());
+        // The type it already has changes nothing; another one is an edit.
+        QVERIFY(copy.model()->setData(cell, types.choices.at(types.currentIndex), Qt::EditRole));
+        QCOMPARE(edited.count(), 0);
+        QVERIFY(!copy.isModified());
+        QVERIFY(copy.model()->setData(cell, types.choices.at(types.currentIndex == 0 ? 1 : 0), Qt::EditRole));
         QCOMPARE(edited.count(), 1);
         QVERIFY(copy.isModified());
     }
@@ -282,7 +303,7 @@ private slots:
 
     void readingRules()
     {
-        // A fixed jumper is written without a length and comes back with the constructor's.
+        // A fixed jumper is written without a length and comes back with its cable's, as placed.
         ConfigDocument doc(&m_db);
         buildSmall(doc);
         HeaderValues h;
@@ -290,7 +311,7 @@ private slots:
         const CWidget* fixture = doc.root() && doc.root()->child(0) ? doc.root()->child(0)->child(0) : nullptr;
         auto* jumper = qobject_cast<CableWidget*>(fixture ? fixture->child(0) : nullptr);
         QVERIFY(jumper);
-        QCOMPARE(jumper->length(), 1.0);
+        QCOMPARE(jumper->length(), 2.0);
 
         // A supply read from a file never offers "Feedwise", and takes no mode the file leaves out.
         QVERIFY(ProjectFile::read(
@@ -367,26 +388,46 @@ private slots:
                      QStringList({"blocker", "keep.rpproj", "taken.rpproj"}));
         }
         std::signal(SIGXFSZ, handler);
+
+        // In a folder that may not be written, a project file that may is overwritten in place; a
+        // new file cannot be made there.
+        QTemporaryDir locked;
+        const QString plan = locked.filePath(QStringLiteral("plan.rpproj"));
+        QVERIFY(writeFile(plan, QByteArray(4096, 'x')));
+        QVERIFY(QFile::setPermissions(plan, QFile::permissions(plan) | QFileDevice::WriteOther) &&
+                QFile::setPermissions(locked.path(), QFileDevice::ReadOwner | QFileDevice::ExeOwner |
+                                                         QFileDevice::ReadOther | QFileDevice::ExeOther));
+        const HeaderValues header = sampleHeader();
+        QVERIFY(asOrdinaryUser([&] {
+            RecordingReporter rec;
+            return ProjectFile::save(plan, doc, header, &rec) && rec.messages.isEmpty();
+        }));
+        QCOMPARE(readAll(plan), ProjectFile::toBytes(doc, header));
+        QVERIFY(asOrdinaryUser([&] {
+            RecordingReporter rec;
+            return !ProjectFile::save(locked.filePath(QStringLiteral("new")), doc, header, &rec) &&
+                   rec.messages.value(0).text.startsWith(QStringLiteral("Cannot open file "));
+        }));
+        QCOMPARE(QDir(locked.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+                 QStringList{QStringLiteral("plan.rpproj")});
+        QFile::setPermissions(locked.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     }
 
     // Each file opens without a message and replaces the configuration with what it could use:
-    // the header's supply and frequency, and the component kinds in preorder.
+    // the header's supply and frequency, and the component kinds in preorder. Only the truncated
+    // one says it was not read whole.
     void malformedCorpus_data()
     {
         QTest::addColumn<QString>("file");
         QTest::addColumn<QString>("supply");
         QTest::addColumn<QString>("frequency");
         QTest::addColumn<QString>("kinds");
-        QTest::newRow("not XML") << "not-xml.rpproj" << "" << "1" << "";
-        QTest::newRow("empty") << "empty.rpproj" << "" << "1" << "";
         QTest::newRow("truncated") << "truncated.rpproj" << "Enabler Duo" << "60 Hz" << "0";
-        QTest::newRow("wrong root") << "wrong-root.rpproj" << "" << "1" << "";
         QTest::newRow("no frame") << "no-cframe.rpproj" << "Enabler Duo" << "50 Hz" << "";
         QTest::newRow("two frames, the first") << "two-cframes.rpproj" << "Enabler Duo" << "60 Hz" << "02";
         QTest::newRow("unknown kinds drop subtrees") << "unknown-kinds.rpproj" << "Enabler Duo" << "60 Hz" << "0562";
         QTest::newRow("unknown supply") << "unknown-supply.rpproj" << "Retired Enabler" << "60 Hz" << "";
         QTest::newRow("non-numeric") << "non-numeric.rpproj" << "Enabler Duo" << "60 Hz" << "01232323";
-        QTest::newRow("entity expansion") << "entity-expansion.rpproj" << "" << "1" << "";
         QTest::newRow("foreign nodes skipped") << "foreign-nodes.rpproj" << "Enabler Duo" << "60 Hz" << "05622";
         QTest::newRow("legacy names") << "legacy-names.rpproj" << "Enabler Duo" << "60 Hz" << "01232";
     }
@@ -404,8 +445,12 @@ private slots:
         HeaderValues header;
         header.supply = QStringLiteral("Enabler Line");
         RecordingReporter rec;
-        QVERIFY(ProjectFile::open(testDataPath(QStringLiteral("project/") + file), doc, header, &rec));
+        QString notReadWhole = QStringLiteral("stale");
+        QVERIFY(ProjectFile::open(testDataPath(QStringLiteral("project/") + file), doc, header, &rec, &notReadWhole));
         QVERIFY(rec.messages.isEmpty() && rec.statusLines.isEmpty());
+        QCOMPARE(notReadWhole.isEmpty(), file != QStringLiteral("truncated.rpproj"));
+        if (!notReadWhole.isEmpty())
+            QVERIFY2(notReadWhole == QStringLiteral("line 6, column 0: Premature end of document"), qPrintable(notReadWhole));
         QCOMPARE(header.supply, supply);
         QCOMPARE(header.frequency, frequency);
         QCOMPARE(shape(doc.root()), kinds);
@@ -423,10 +468,12 @@ private slots:
         QCOMPARE(ProjectFile::toBytes(copy, header), bytes);
     }
 
-    void hostileSizes()
+    void refusedFiles()
     {
         // At the limits ("Runplan" and "CFrame" are levels, other elements not children) a file opens;
-        // past them, or nested deep in anything, it is refused and the open configuration stays.
+        // past them, or nested deep in anything, it is refused and the open configuration stays. So
+        // is anything that is not a project: not well-formed XML up to its first element, or
+        // another root element.
         const int deepest = ProjectFile::MaxNestingDepth - 2;
         auto wide = [](int children) {
             const QString leader = QStringLiteral("<CWidget CWidgetItemType=\"1\" fixtureName=\"%1\"/>").arg(kBar);
@@ -444,16 +491,39 @@ private slots:
         const QByteArray kept = ProjectFile::toBytes(doc, header);
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("refused.rpproj"));
+        const QByteArray corpus = testDataPath(QStringLiteral("project/")).toUtf8();
         for (const auto& [bytes, reason] : QList<QPair<QByteArray, QString>>{
                  {deepProject(deepest + 1), "nested more than 10000 levels"},
                  {"<Runplan>" + QByteArray("<a>").repeated(1000000), "nested more than 10000 levels"},
-                 {wide(ProjectFile::MaxChildren + 1), "a component holds more than 1000 others"}}) {
+                 {wide(ProjectFile::MaxChildren + 1), "a component holds more than 1000 others"},
+                 {corpus + "not-xml.rpproj", "not well-formed XML (line 1, column 1: Start tag expected)"},
+                 {corpus + "empty.rpproj", "not well-formed XML (line 1, column 0: Premature end of document)"},
+                 {corpus + "wrong-root.rpproj", "its root element is \"Project\", not \"Runplan\""},
+                 {corpus + "entity-expansion.rpproj", "not well-formed XML (line 12, column "},
+                 {"<Runplan a=\"1\" a=\"2\"><CFrame/></Runplan>", "not well-formed XML (line 1, column "},
+                 {"<Runplan CurrentSupplyName=\"\xff\xfe\"><CFrame/></Runplan>", "not well-formed XML (line 1, column "},
+                 {QByteArray("<Runplan\0 CurrentSupplyName=\"x\"/>", 33), "not well-formed XML (line 1, column "}}) {
             rec.clear();
-            QVERIFY(writeFile(path, bytes) && !ProjectFile::open(path, doc, header, &rec));
-            QVERIFY(rec.messages.isEmpty() && !doc.isModified());
-            QCOMPARE(rec.statusLines, QStringList{"Failed to open configuration " + path + ": " + reason});
+            const bool inCorpus = bytes.startsWith(corpus);
+            const QString file = inCorpus ? QString::fromUtf8(bytes) : path;
+            QVERIFY((inCorpus || writeFile(path, bytes)) && !ProjectFile::open(file, doc, header, &rec));
+            QVERIFY(!doc.isModified());
+            QCOMPARE(rec.messages.size(), 1);
+            QCOMPARE(rec.messages.at(0).title, QStringLiteral("Open Error"));
+            const QString expected = "Cannot open " + file + " as a project:\n" + reason;
+            QVERIFY2(rec.messages.at(0).text.startsWith(expected), qPrintable(rec.messages.at(0).text));
+            QVERIFY2(rec.statusLines.size() == 1 &&
+                         rec.statusLines.at(0).startsWith("Failed to open configuration " + file + ": " + reason),
+                     qPrintable(rec.statusLines.join('|')));
             QCOMPARE(ProjectFile::toBytes(doc, header), kept);
         }
+        // Broken off inside the tree: read as far as it goes, and said so.
+        QString notReadWhole;
+        const QByteArray whole = ProjectFile::toBytes(doc, header);
+        QVERIFY(ProjectFile::read(whole.left(whole.indexOf("</CWidget>")) + "<CWidget a=\"1\" a=\"2\"/>", doc, header, &rec,
+                                  QString(), &notReadWhole));
+        QVERIFY2(notReadWhole.contains(QStringLiteral("redefined")), qPrintable(notReadWhole));
+        QCOMPARE(doc.count(ItemLeader), ProjectFile::MaxChildren);
     }
 };
 

@@ -263,6 +263,24 @@ void TestBatch::reportPrintsTheAnalysis()
     QCOMPARE(missing.exitCode, 1);
     QVERIFY(missing.err.contains("Open Error"));
     QVERIFY(missing.out.isEmpty());
+    // Whatever was not read whole is no report: the reason goes to stderr and the status is 1.
+    const QByteArray sample = readFile(testDataPath("app/sample.rpproj"));
+    const QByteArray deep = "<Runplan>" + QByteArray("<a>").repeated(20000);
+    for (const auto& [bytes, reason] : QList<QPair<QByteArray, QByteArray>>{
+             {sample.left(sample.size() / 2), "was not read completely: it breaks off at line "},
+             {"\xff\xfe<Runplan/>", "not well-formed XML"},
+             {QByteArray("<Runplan>\0</Runplan>", 20), "breaks off at line 1, column 10: "},
+             {"<Runplan a=\"1\" a=\"1\"><CFrame/></Runplan>", "not well-formed XML"},
+             {"<Plan/>", "its root element is \"Plan\""},
+             {deep, "nested more than 10000 levels"}}) {
+        QFile broken(m_dir->filePath("broken.rpproj"));
+        QVERIFY(broken.open(QIODevice::WriteOnly | QIODevice::Truncate) && broken.write(bytes) == bytes.size());
+        broken.close();
+        const Run r = run({"-nw", "--report", "broken.rpproj"});
+        QCOMPARE(r.exitCode, 1);
+        QVERIFY2(r.err.contains("broken.rpproj") && r.err.contains(reason), r.err.constData());
+        QVERIFY(r.out.isEmpty());
+    }
     // Only an unattended run reports.
     QCOMPARE(run({"--report", "sample.rpproj"}).exitCode, 1);
     QCOMPARE(run({"-nw", "--report"}).exitCode, 1);

@@ -87,6 +87,7 @@ private slots:
     void mouseAndKeys();
     void deletion();
     void lineKeyPosition();
+    void scrolling();
     void printing();
 };
 
@@ -321,6 +322,49 @@ void TstCanvas::lineKeyPosition()
     const QRect vbarRect(vbar->mapTo(&c.frame, QPoint(0, 0)), vbar->size());
     const QRect hbarRect(hbar->mapTo(&c.frame, QPoint(0, 0)), hbar->size());
     QCOMPARE(key->geometry().bottomRight(), QPoint(vbarRect.left() - 1, hbarRect.top() - 1));
+}
+
+void TstCanvas::scrolling()
+{
+    // Three columns (10, 420, 830) on a canvas narrower than the scroll extent of 3 x 550.
+    Canvas c(&m_db, QSize(900, 300));
+    c.doc.addSupply(m_feeder);
+    CWidget* box = c.doc.addJunctionBox();
+    QVERIFY(c.doc.addFixture(m_fixture));
+    c.doc.setCurrent(box);
+    QVERIFY(c.doc.addLeader(m_fixture));
+    CWidget* middle = c.doc.addFixture(m_fixture);
+    c.doc.setCurrent(box);
+    QVERIFY(c.doc.addLeader(m_fixture));
+    CWidget* right = c.doc.addFixture(m_fixture);
+    QVERIFY(QTest::qWaitForWindowExposed(&c.frame));
+    QScrollBar* hbar = c.frame.horizontalScrollBar();
+    QScrollBar* vbar = c.frame.verticalScrollBar();
+    QVERIFY(hbar->maximum() > 0);
+    QVERIFY2(hbar->value() > 0, "an insertion scrolls the new component into view");
+
+    // A click selects without moving the view, near the right edge too.
+    c.frame.showTopLeft();
+    QCOMPARE(hbar->value(), 0);
+    const QRect rightBox = c.frame.itemRectOf(right);
+    QVERIFY(rightBox.x() + 400 > c.frame.viewport()->width());
+    QTest::mouseClick(c.frame.viewport(), Qt::LeftButton, {}, c.frame.itemRectOf(middle).center());
+    QCOMPARE(c.doc.current(), middle);
+    QTest::mouseClick(c.frame.viewport(), Qt::LeftButton, {}, rightBox.center());
+    QCOMPARE(c.doc.current(), right);
+    QCOMPARE(hbar->value(), 0);
+    QCOMPARE(vbar->value(), 0);
+
+    // A page is the viewport, also after a resize: paging moves the view by what it shows.
+    for (QSize size : {QSize(900, 300), QSize(700, 200)}) {
+        c.frame.resize(size);
+        QCoreApplication::processEvents();
+        QCOMPARE(hbar->pageStep(), c.frame.viewport()->width());
+        QCOMPARE(vbar->pageStep(), c.frame.viewport()->height());
+    }
+    hbar->setValue(0);
+    hbar->triggerAction(QAbstractSlider::SliderPageStepAdd);
+    QCOMPARE(hbar->value(), c.frame.viewport()->width());
 }
 
 void TstCanvas::printing()

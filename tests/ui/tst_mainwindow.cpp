@@ -4,9 +4,12 @@
 #include "TestSupport.h"
 #include "app/Prompter.h"
 #include "app/Runplan.h"
+#include "canvas/CFrame.h"
 #include "calc/Session.h"
+#include "model/ProjectFile.h"
 #include "catalog/Database.h"
 #include "model/CWidget.h"
+#include "model/CWidgetModel.h"
 #include "model/ConfigDocument.h"
 
 #include <QAction>
@@ -16,12 +19,20 @@
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
+#include <QProcess>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSettings>
 #include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QStatusBar>
+#include <QTextBlock>
 #include <QTextEdit>
+
+#include <csignal>
+#include <sys/resource.h>
 
 // Answers from queues; a question with no answer left is recorded as unexpected.
 class ScriptedPrompter : public Prompter
@@ -32,6 +43,8 @@ public:
     QList<bool> clearAnswers;
     QList<SaveChoice> saveChangesAnswers;
     QList<bool> replaceAnswers;
+    QList<bool> notReadWholeAnswers;
+    QList<bool> deleteAnswers;
 
     QStringList asked;    // the kind of every question, in order
     QStringList lastArgs; // the texts shown with the last one
@@ -52,7 +65,11 @@ public:
         return take("saveChanges", saveChangesAnswers, {displayName}, SaveChoice::Cancel);
     }
     bool askReplace(QWidget*, const QString& filePath) override { return take("replace", replaceAnswers, {filePath}); }
-    bool confirmDelete(QWidget*) override { return take("delete", m_none); }
+    bool askReplaceNotReadWhole(QWidget*, const QString& fileName) override
+    {
+        return take("notReadWhole", notReadWholeAnswers, {fileName});
+    }
+    bool confirmDelete(QWidget*) override { return take("delete", deleteAnswers); }
     int execDialog(QDialog*) override { return take("dialog", m_none) ? QDialog::Accepted : QDialog::Rejected; }
 
 private:
@@ -79,14 +96,19 @@ private slots:
     void init();
     void cleanup();
 
-    void addButtonsFollowTheSelection_data();
-    void addButtonsFollowTheSelection();
+    void addButtonsFollowEveryChange();
     void enablerChangeAsksBeforeClearing();
     void fixtureChangeAsksWhenFamiliesDiffer();
     void customVoltageAndLoad();
     void saveAsNamesAndReplaces();
     void newAndOpenAskAboutUnsavedChanges();
+    void openedProjectShowsTopLeft();
     void maximizeAndExportMatchTheEngine();
+    void openingWhatIsNotAProject();
+    void failedExportKeepsTheOldFile();
+    void fieldsAndLogShowOnlyTheirOwn();
+    void questionBoxes();
+    void withoutACatalog();
 
 private:
     // The window's widgets, found by their object names.
@@ -115,7 +137,9 @@ void TestMainWindow::initTestCase()
 {
     QCoreApplication::setOrganizationName(QStringLiteral("Vorlux"));
     QCoreApplication::setApplicationName(QStringLiteral("Runplan"));
-    QVERIFY2(Database::instance()->isValid(), "the catalog beside the test must load");
+    // withoutACatalog() runs a copy of this test where no catalog lies beside it.
+    if (qEnvironmentVariableIsEmpty("RUNPLAN_TEST_NO_CATALOG"))
+        QVERIFY2(Database::instance()->isValid(), "the catalog beside the test must load");
 }
 
 void TestMainWindow::init()
@@ -137,85 +161,40 @@ void TestMainWindow::cleanup()
     delete m_dir;
 }
 
-void TestMainWindow::addButtonsFollowTheSelection_data()
+void TestMainWindow::addButtonsFollowEveryChange()
 {
-    // Steps, run in order on a fresh window: add a "fixture", "jumper" or "box"; "receiver" as a
-    // project would bring one (its button is hidden); select the "parent" or the "root"; "delete"
-    // the current component; make the enabler "feedwise"; choose a family-1 fixture ("family1");
-    // select "nothing"; read the receiver without a junction box ("nobox"), as an old project has
-    // it; add "63receivers", the most a run holds, each below the one before. Buttons the row's
-    // selection leaves in their earlier state are not compared.
-    QTest::addColumn<QString>("steps");
-    QTest::addColumn<QString>("leftAlone");
-    QTest::addColumn<QString>("enabled");
+    // The buttons show the document's rule (tested in the core) for the selected component, also
+    // after an edit of it, a load and a reset, not only when the selection changes.
+    auto enabled = [this]() {
+        QStringList on;
+        const std::pair<const char*, const char*> buttons[] = {
+            {"fixture", "m_DL_AddFixture_Button"}, {"jumper", "m_DL_AddJumper_Button"},
+            {"leader", "m_DL_AddLeader_Button"},   {"receiver", "m_DL_AddReceiver_Button"},
+            {"box", "m_DL_AddJunctionBox_Button"}, {"enabler", "m_DL_AddSupply_Button"},
+            {"maximize", "m_DL_Maximize_Button"}};
+        for (const auto& [label, name] : buttons)
+            if (find<QPushButton>(name)->isEnabled())
+                on << label;
+        return on.join(' ');
+    };
+    click("m_DL_AddFixture_Button");
+    QCOMPARE(enabled(), QStringLiteral("fixture jumper maximize"));
+    m_window->DL_DeleteLast();
+    QCOMPARE(doc()->current(), doc()->root());
+    QCOMPARE(enabled(), QStringLiteral("fixture jumper leader box maximize"));
 
-    QTest::newRow("empty Dynaline enabler") << "root" << "jumper" << "fixture leader box maximize";
-    QTest::newRow("enabler with a child") << "fixture root" << "jumper receiver" << "";
-    QTest::newRow("fixture") << "fixture" << "receiver" << "fixture jumper maximize";
-    QTest::newRow("jumper") << "fixture jumper" << "jumper receiver" << "fixture maximize";
-    QTest::newRow("fixture with its jumper") << "fixture jumper parent" << "receiver" << "";
-    QTest::newRow("Dynaline junction box") << "box" << "jumper" << "fixture leader box enabler maximize";
-    QTest::newRow("Dynaline branch wire") << "box delete" << "jumper receiver" << "box maximize";
-    QTest::newRow("Feedwise enabler") << "feedwise" << "jumper" << "fixture receiver box enabler maximize";
-    QTest::newRow("Feedwise enabler, family 1") << "feedwise family1" << "jumper" << "receiver box enabler";
-    QTest::newRow("Feedwise branch wire") << "feedwise box delete" << "jumper" << "receiver box enabler maximize";
-    QTest::newRow("receiver") << "feedwise receiver" << "jumper" << "fixture leader receiver box maximize";
-    QTest::newRow("Feedwise wire with a receiver") << "feedwise receiver parent" << "jumper receiver" << "";
-    QTest::newRow("fixture on a receiver") << "feedwise receiver fixture" << "receiver" << "fixture jumper";
-    QTest::newRow("receiver without a box") << "feedwise receiver nobox" << "jumper" << "";
-    QTest::newRow("63rd receiver") << "feedwise 63receivers" << "jumper" << "fixture leader box maximize";
-    QTest::newRow("nothing selected") << "fixture nothing" << "" << "";
-}
+    // The enabler's output mode edited in the table: a Feedwise enabler takes no leader.
+    const QModelIndex mode = doc()->currentIndex().siblingAtColumn(PropOutputMode);
+    QVERIFY(doc()->model()->setData(mode, QStringLiteral("Feedwise")));
+    QCOMPARE(enabled(), QStringLiteral("fixture jumper receiver box enabler maximize"));
 
-void TestMainWindow::addButtonsFollowTheSelection()
-{
-    QFETCH(QString, steps);
-    QFETCH(QString, leftAlone);
-    QFETCH(QString, enabled);
-
-    for (const QString& step : steps.split(' ')) {
-        if (step == "fixture" || step == "jumper" || step == "box")
-            click(step == "fixture" ? "m_DL_AddFixture_Button"
-                                    : step == "jumper" ? "m_DL_AddJumper_Button" : "m_DL_AddJunctionBox_Button");
-        else if (step == "receiver")
-            m_window->on_m_DL_AddReceiver_Button_clicked();
-        else if (step == "parent")
-            doc()->setCurrent(doc()->current()->parentWidget());
-        else if (step == "root")
-            doc()->setCurrent(doc()->root());
-        else if (step == "delete")
-            m_window->DL_DeleteLast();
-        else if (step == "nothing")
-            doc()->setCurrentIndex(QModelIndex());
-        else if (step == "nobox") {
-            auto* receiver = qobject_cast<ReceiverWidget*>(doc()->current());
-            QVERIFY(receiver);
-            receiver->setJunctionBox(QString());
-            doc()->setCurrent(doc()->root());
-            doc()->setCurrent(receiver);
-        } else if (step == "63receivers") {
-            for (int i = 0; i < 63; ++i)
-                m_window->on_m_DL_AddReceiver_Button_clicked();
-            QCOMPARE(doc()->root()->countInSubtree(ItemReceiver), 63);
-        }
-        else if (step == "feedwise" || step == "family1") {
-            if (step == "feedwise")
-                doc()->root()->applyEditorValue(PropOutputMode, QStringLiteral("Feedwise"));
-            else
-                m_window->selectFixtureIndex(comboIndex("m_DLFixture_Combo", "Linea Inline Dynaline 1ft"));
-            doc()->setCurrent(doc()->root());
-        }
-    }
-    QStringList on;
-    const std::pair<const char*, const char*> buttons[] = {
-        {"fixture", "m_DL_AddFixture_Button"},   {"jumper", "m_DL_AddJumper_Button"},
-        {"leader", "m_DL_AddLeader_Button"},     {"receiver", "m_DL_AddReceiver_Button"},
-        {"box", "m_DL_AddJunctionBox_Button"},   {"enabler", "m_DL_AddSupply_Button"},
-        {"maximize", "m_DL_Maximize_Button"}};
-    for (const auto& [label, name] : buttons)
-        if (find<QPushButton>(name)->isEnabled() && !leftAlone.split(' ').contains(QLatin1String(label)))
-            on << label;
-    QCOMPARE(on.join(' '), enabled);
+    // A load that leaves the canvas empty leaves nothing to add to; Reset places an enabler again.
+    HeaderValues header;
+    ProjectFile::read("<Runplan><CFrame/></Runplan>", *doc(), header, nullptr);
+    QVERIFY(!doc()->root());
+    QCOMPARE(enabled(), QString());
+    m_window->on_m_DL_Reset_Button_clicked();
+    QCOMPARE(enabled(), QStringLiteral("fixture leader box maximize"));
 }
 
 void TestMainWindow::enablerChangeAsksBeforeClearing()
@@ -442,6 +421,21 @@ void TestMainWindow::newAndOpenAskAboutUnsavedChanges()
     QCOMPARE(doc()->count(ItemFixture), 1);
 }
 
+void TestMainWindow::openedProjectShowsTopLeft()
+{
+    // A canvas narrower than the enabler plus the scroll-into-view margin, as before the window
+    // is first shown (a project named on the command line), and scrolled away from the origin.
+    const QString saved = m_dir->filePath("one.rpproj");
+    QVERIFY(m_window->saveProject(saved));
+    CFrame* canvas = m_window->frame();
+    canvas->resize(380, 300);
+    QVERIFY(canvas->horizontalScrollBar()->maximum() > 0);
+    canvas->horizontalScrollBar()->setValue(200);
+    QVERIFY(m_window->openProject(saved));
+    QCOMPARE(canvas->horizontalScrollBar()->value(), 0);
+    QCOMPARE(canvas->verticalScrollBar()->value(), 0);
+}
+
 void TestMainWindow::maximizeAndExportMatchTheEngine()
 {
     // The window and a headless session agree on the largest run from one fixture.
@@ -477,6 +471,197 @@ void TestMainWindow::maximizeAndExportMatchTheEngine()
     find<QAction>("actionMaximizeAll")->trigger();
     QCOMPARE(m_prompter->lastArgs.value(1), chosen);
     QCOMPARE(QSettings().value("maximize_fixture_file").toString(), QString());
+}
+
+void TestMainWindow::openingWhatIsNotAProject()
+{
+    // A name with a placeholder in it stays as typed in the title.
+    click("m_DL_AddFixture_Button");
+    click("m_DL_AddJumper_Button");
+    click("m_DL_AddFixture_Button");
+    const QString saved = m_dir->filePath("stage%1.rpproj");
+    QVERIFY(m_window->saveProject(saved));
+    const QString title = m_window->windowTitle();
+    QVERIFY2(title.startsWith("stage%1.rpproj[*] - Runplan Release 3.17.0 [Build 20250205-2cbee83]"), qPrintable(title));
+    const char* const selectors[] = {"m_DLSupply_Combo", "m_DLFixture_Combo", "m_DL_LineVoltage_Combo",
+                                     "m_DL_MaxLoad_Combo", "m_frequencyComboBox", "m_DLController_Combo"};
+    auto choices = [&]() {
+        QStringList out;
+        for (const char* name : selectors)
+            out << QString::number(find<QComboBox>(name)->currentIndex());
+        return out;
+    };
+    const QStringList before = choices();
+
+    // Not a project: refused with an "Open Error"; nothing in the window changes, so Save cannot
+    // write over the file.
+    const QString text = m_dir->filePath("notes.rpproj");
+    QFile notes(text);
+    QVERIFY(notes.open(QIODevice::WriteOnly) && notes.write("shopping list\n") > 0);
+    notes.close();
+    RecordingReporter messages;
+    ScopedGlobalReporter scope(&messages);
+    m_prompter->openAnswers << text;
+    find<QAction>("actionOpen")->trigger();
+    QCOMPARE(messages.messages.size(), 1);
+    QCOMPARE(messages.messages.at(0).title, QStringLiteral("Open Error"));
+    QCOMPARE(m_window->windowTitle(), title);
+    QCOMPARE(m_window->currentFilePath(), saved);
+    QCOMPARE(choices(), before);
+    QCOMPARE(doc()->count(ItemFixture), 2);
+    QVERIFY(m_window->statusBar()->currentMessage().startsWith("Failed to open configuration " + text));
+
+    // A project that breaks off opens as far as it goes, the failure line goes, and the first
+    // Save over it asks: No keeps the file, Yes replaces it, and later Saves ask no more.
+    const QString part = m_dir->filePath("part.rpproj");
+    const QByteArray whole = fileText(saved).toUtf8();
+    const QByteArray cut = whole.left(whole.indexOf("<CWidget CWidgetItemType=\"3\""));
+    QFile partFile(part);
+    QVERIFY(partFile.open(QIODevice::WriteOnly) && partFile.write(cut) == cut.size());
+    partFile.close();
+    m_prompter->openAnswers << part;
+    find<QAction>("actionOpen")->trigger();
+    QCOMPARE(messages.messages.size(), 1);
+    QCOMPARE(m_window->currentFilePath(), part);
+    QCOMPARE(doc()->count(ItemFixture), 1);
+    QCOMPARE(m_window->statusBar()->currentMessage(), QString());
+    m_prompter->notReadWholeAnswers << false << true;
+    find<QAction>("actionSave")->trigger();
+    QCOMPARE(m_prompter->asked.last(), QStringLiteral("notReadWhole"));
+    QCOMPARE(m_prompter->lastArgs, QStringList{"part.rpproj"});
+    QCOMPARE(fileText(part).toUtf8(), cut);
+    find<QAction>("actionSave")->trigger();
+    QVERIFY(fileText(part).endsWith("</Runplan>\n"));
+    const int asked = m_prompter->asked.size();
+    find<QAction>("actionSave")->trigger();
+    QCOMPARE(m_prompter->asked.size(), asked);
+
+    // New after a project that matched no selector entry leaves every selector with one.
+    QVERIFY(partFile.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    partFile.write("<Runplan CurrentSupplyName=\"Gone\" Frequency=\"1\" LineVoltage=\"7\"><CFrame><CWidget");
+    partFile.close();
+    m_prompter->openAnswers << part;
+    find<QAction>("actionOpen")->trigger();
+    QVERIFY(!m_window->notReadWholeReason().isEmpty());
+    QCOMPARE(find<QComboBox>("m_frequencyComboBox")->currentIndex(), -1);
+    find<QAction>("actionNew")->trigger();
+    for (const char* name : selectors) {
+        const QComboBox* combo = find<QComboBox>(name);
+        QVERIFY2(combo->count() == 0 || combo->currentIndex() >= 0, name);
+    }
+    QCOMPARE(find<QComboBox>("m_frequencyComboBox")->currentText(), QStringLiteral("60 Hz"));
+    QVERIFY(m_window->notReadWholeReason().isEmpty());
+}
+
+void TestMainWindow::failedExportKeepsTheOldFile()
+{
+    // The write stops part-way (the file-size limit binds root too and stands in for a full
+    // disk): the earlier export stays byte for byte and no temporary file is left.
+    const QString csv = m_dir->filePath("fixture.csv");
+    QFile old(csv);
+    QVERIFY(old.open(QIODevice::WriteOnly) && old.write("old,table\n") == 10);
+    old.close();
+    struct rlimit saved {};
+    QCOMPARE(getrlimit(RLIMIT_FSIZE, &saved), 0);
+    const struct rlimit small{16, saved.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    m_prompter->saveAnswers << csv;
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
+    find<QAction>("actionMaximizeFixture")->trigger();
+    setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, handler);
+    QCOMPARE(fileText(csv), QStringLiteral("old,table\n"));
+    QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files), QStringList{"fixture.csv"});
+
+    // Without the limit the same export replaces it.
+    m_prompter->saveAnswers << csv;
+    find<QAction>("actionMaximizeFixture")->trigger();
+    QVERIFY(fileText(csv).startsWith("Fixtures, "));
+}
+
+void TestMainWindow::fieldsAndLogShowOnlyTheirOwn()
+{
+    // A Feedwise run 500 ft long, then its enabler deleted: the disabled field keeps no length.
+    QLineEdit* feedwise = find<QLineEdit>("m_DL_Total_PLC_Length_Edit");
+    doc()->root()->applyEditorValue(PropOutputMode, QStringLiteral("Feedwise"));
+    doc()->setCurrent(doc()->root());
+    click("m_DL_AddJunctionBox_Button");
+    auto* wire = qobject_cast<BranchWireWidget*>(doc()->root()->child(0));
+    QVERIFY(wire);
+    wire->setLength(500.0);
+    m_window->DL_Update();
+    QVERIFY(feedwise->isEnabled());
+    QCOMPARE(feedwise->text(), QStringLiteral("500.0"));
+    doc()->setCurrent(doc()->root());
+    m_prompter->deleteAnswers << true;
+    m_window->DL_DeleteLast();
+    QCOMPARE(doc()->count(ItemAny), 1);
+    QVERIFY(!feedwise->isEnabled());
+    QCOMPARE(feedwise->text(), QString());
+    QCOMPARE(feedwise->palette().color(QPalette::Base), Runplan::clearedFieldColor());
+
+    // A line appended in red leaves the user's selection in the log as it was.
+    QTextEdit* log = find<QTextEdit>("m_messageBox");
+    QTextCursor selection(log->document());
+    selection.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+    log->setTextCursor(selection);
+    const QString selected = log->textCursor().selectedText();
+    m_window->statusMessage(QStringLiteral("over <b>limit</b>"), Runplan::failingLogColor());
+    QCOMPARE(log->textCursor().selectedText(), selected);
+    auto colour = [](const QTextBlock& block) { return block.begin().fragment().charFormat().foreground().color(); };
+    QCOMPARE(colour(log->document()->firstBlock()), Runplan::passingLogColor());
+    QCOMPARE(log->document()->lastBlock().text(), QStringLiteral("over <b>limit</b>"));
+    QCOMPARE(colour(log->document()->lastBlock()), Runplan::failingLogColor());
+}
+
+// The boxes themselves, handed to a dialog runner that answers with the default button.
+class DefaultAnswer : public DialogPrompter
+{
+public:
+    QStringList seen;
+    int execDialog(QDialog* dialog) override
+    {
+        auto* box = qobject_cast<QMessageBox*>(dialog);
+        if (!box)
+            return QDialog::Rejected;
+        seen << box->windowTitle() << box->text() << box->defaultButton()->text();
+        const int answer = box->standardButton(box->defaultButton());
+        box->defaultButton()->click();
+        return answer;
+    }
+};
+
+void TestMainWindow::questionBoxes()
+{
+    DefaultAnswer prompter;
+    QVERIFY(!prompter.askReplace(m_window, m_dir->filePath("plan.rpproj")));
+    QVERIFY(!prompter.askReplaceNotReadWhole(m_window, QStringLiteral("stage%1.rpproj")));
+    QCOMPARE(prompter.seen, (QStringList{"Runplan", "\"plan.rpproj\" already exists. Do you want to replace it?",
+                                         "Cancel", "Runplan",
+                                         "stage%1.rpproj was not read completely. Replace it with the "
+                                         "configuration as shown?",
+                                         "&No"}));
+}
+
+void TestMainWindow::withoutACatalog()
+{
+    // In the copy: no catalog, so no analysis ever fills the result labels.
+    if (!qEnvironmentVariableIsEmpty("RUNPLAN_TEST_NO_CATALOG")) {
+        QVERIFY(!Database::instance()->isValid());
+        QCOMPARE(find<QLabel>("m_DL_DerateLoad_Label")->text(), QString());
+        QCOMPARE(find<QLabel>("m_DL_TotalFixtures_Label")->text(), QString());
+        return;
+    }
+    const QString copy = m_dir->filePath("tst_mainwindow");
+    QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), copy));
+    QProcess child;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("RUNPLAN_TEST_NO_CATALOG", "1");
+    child.setProcessEnvironment(env);
+    child.start(copy, {"withoutACatalog"});
+    QVERIFY(child.waitForFinished(120000));
+    QVERIFY2(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0,
+             child.readAllStandardOutput().constData());
 }
 
 QTEST_MAIN(TestMainWindow)

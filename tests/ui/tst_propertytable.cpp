@@ -11,6 +11,7 @@
 #include "model/view/ComboBoxPropertyEditor.h"
 #include "model/view/TableViewItemDelegate.h"
 
+#include <QFontMetrics>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPixmap>
@@ -33,9 +34,12 @@ private slots:
     void onlyTheSelectedRowShows();
     void headersAndTheNameColumn();
     void comboChoiceCommitsAtOnce();
-    void lengthSpinTakesTheRulesLimits();
+    void typedLengthsAreClamped();
+    void editorsThatChangeNothing();
     void readOnlyLengthFigure();
     void customJumperGainsColumns();
+    void nameColumnFitsTheShownRow();
+    void rejectedBoxesLoggedOnce();
 
 private:
     CWidgetTableView* table() const { return m_window->propertyTable(); }
@@ -174,16 +178,17 @@ void TestPropertyTable::comboChoiceCommitsAtOnce()
 {
     CWidget* wire = addBranchWire();
     auto* branch = static_cast<BranchWireWidget*>(wire);
-    const EditorRule rule = wire->editorRule(PropLocation);
-    QVERIFY2(rule.choices.size() > 1, "the catalog lists several locations");
+    // The catalog's locations in its file order, the first one chosen for a first wire.
+    const QStringList locations = Database::instance()->locationNames();
+    QVERIFY2(locations.size() > 1, "the catalog lists several locations");
 
     auto* combo = qobject_cast<ComboBoxPropertyEditor*>(openEditor(PropLocation));
     QVERIFY(combo);
     QStringList items;
     for (int i = 0; i < combo->count(); ++i)
         items << combo->itemText(i);
-    QCOMPARE(items, rule.choices);
-    QCOMPARE(combo->currentText(), branch->location());
+    QCOMPARE(items, locations);
+    QCOMPARE(combo->currentText(), locations.first());
     QVERIFY(doc()->isModified());
     doc()->setModified(false);
 
@@ -193,47 +198,77 @@ void TestPropertyTable::comboChoiceCommitsAtOnce()
     QCOMPARE(editorWidget(), combo);
 
     // Another entry is stored at once, closes the editor and runs the analysis again.
-    const QString before = branch->location();
-    const int other = rule.currentIndex == 0 ? 1 : 0;
     const int logBefore = logLength();
-    combo->setCurrentIndex(other);
+    combo->setCurrentIndex(1);
     flushDeletes();
-    QCOMPARE(branch->location(), rule.choices.at(other));
-    QVERIFY(branch->location() != before);
+    QCOMPARE(branch->location(), locations.at(1));
     QVERIFY(editorWidget() == nullptr);
     QVERIFY(logLength() > logBefore);
     QVERIFY(doc()->isModified());
     // The next branch wire starts at the location chosen last.
-    QCOMPARE(doc()->lastLocation(), rule.choices.at(other));
+    QCOMPARE(doc()->lastLocation(), locations.at(1));
 }
 
-void TestPropertyTable::lengthSpinTakesTheRulesLimits()
+void TestPropertyTable::typedLengthsAreClamped()
 {
-    CWidget* wire = addBranchWire();
-    auto* branch = static_cast<BranchWireWidget*>(wire);
-    const EditorRule rule = wire->editorRule(PropLength);
-    QCOMPARE(rule.kind, EditorRule::Spin);
+    // Feedwise branch wire away from "Above Ground": 1 to 294 ft.
+    doc()->root()->applyEditorValue(PropOutputMode, QStringLiteral("Feedwise"));
+    auto* branch = static_cast<BranchWireWidget*>(addBranchWire());
+    branch->applyEditorValue(PropLocation, QStringLiteral("Plenum"));
+    QCOMPARE((QStringList{branch->effectiveMode(), branch->location()}), QStringList({"Feedwise", "Plenum"}));
 
+    QList<double> stored;
+    for (const char* typed : {"300", "5000", "0", "120"}) {
+        auto* spin = qobject_cast<QSpinBox*>(openEditor(PropLength));
+        QVERIFY(spin);
+        QCOMPARE(spin->suffix(), QStringLiteral(" ft"));
+        spin->setFocus();
+        spin->selectAll();
+        QTest::keyClicks(spin, QString::fromLatin1(typed));
+        QTest::keyClick(spin, Qt::Key_Return); // the view hears of it through a queued call
+        QCoreApplication::processEvents();
+        flushDeletes();
+        QVERIFY(editorWidget() == nullptr);
+        stored << branch->length();
+    }
+    QCOMPARE(stored, (QList<double>{294, 294, 1, 120}));
+}
+
+void TestPropertyTable::editorsThatChangeNothing()
+{
+    // A mode the list does not offer (a file's enabler offers no "Feedwise") survives an editor
+    // opened and left.
+    auto* supply = static_cast<SupplyWidget*>(doc()->root());
+    supply->setOrdinal(1);
+    supply->setOutputMode(QStringLiteral("Feedwise"));
+    auto* modes = qobject_cast<ComboBoxPropertyEditor*>(openEditor(PropOutputMode));
+    QVERIFY(modes && modes->currentIndex() < 0);
+    QVERIFY(openEditor(PropDynaLineLength));
+    QCoreApplication::processEvents();
+    flushDeletes();
+    QCOMPARE(supply->outputMode(), QStringLiteral("Feedwise"));
+    supply->setOrdinal(0);
+
+    auto* branch = static_cast<BranchWireWidget*>(addBranchWire());
+    const double length = branch->length();
+    doc()->setModified(false);
+    const int logBefore = logLength();
+
+    // A length editor left with its value, and a location editor left by pressing elsewhere.
     auto* spin = qobject_cast<QSpinBox*>(openEditor(PropLength));
     QVERIFY(spin);
-    QCOMPARE(spin->suffix(), QStringLiteral(" ft"));
-    QCOMPARE(spin->minimum(), rule.minimum);
-    QCOMPARE(spin->maximum(), rule.maximum);
-    QCOMPARE(spin->value(), qRound(branch->length()));
-
-    // Typing past the limit is refused; a value past it is clamped before it reaches the wire.
     spin->setFocus();
-    spin->selectAll();
-    QTest::keyClicks(spin, QString::number(rule.maximum * 10));
-    QVERIFY(spin->value() <= rule.maximum);
-    spin->setValue(rule.maximum + 50);
-    QCOMPARE(spin->value(), rule.maximum);
-    // Return commits (the view hears of it through a queued call).
     QTest::keyClick(spin, Qt::Key_Return);
     QCoreApplication::processEvents();
     flushDeletes();
-    QCOMPARE(branch->length(), double(rule.maximum));
-    QVERIFY(editorWidget() == nullptr);
+    QVERIFY(qobject_cast<ComboBoxPropertyEditor*>(openEditor(PropLocation)));
+    QVERIFY(qobject_cast<QSpinBox*>(openEditor(PropLength)));
+    QCoreApplication::processEvents();
+    flushDeletes();
+
+    QCOMPARE(branch->length(), length);
+    QVERIFY(!doc()->isModified());
+    QCOMPARE(logLength(), logBefore); // no analysis ran
 }
 
 void TestPropertyTable::readOnlyLengthFigure()
@@ -242,8 +277,7 @@ void TestPropertyTable::readOnlyLengthFigure()
     auto* line = qobject_cast<QLineEdit*>(openEditor(PropDynaLineLength));
     QVERIFY(line);
     QVERIFY(line->isReadOnly());
-    QCOMPARE(line->text(), supply->editorRule(PropDynaLineLength).text);
-    QVERIFY(line->text().endsWith(QStringLiteral(" ft")));
+    QCOMPARE(line->text(), QString::number(supply->dynaLineLength(), 'g', 6) + QStringLiteral(" ft"));
 }
 
 void TestPropertyTable::customJumperGainsColumns()
@@ -261,6 +295,53 @@ void TestPropertyTable::customJumperGainsColumns()
     flushDeletes();
     QVERIFY(static_cast<CableWidget*>(jumper)->isCustom());
     QCOMPARE(visibleColumns(), (QList<int>{PropName, PropType, PropGauge, PropLength}));
+}
+
+void TestPropertyTable::nameColumnFitsTheShownRow()
+{
+    // A junction box holding a fixture and a leader: the Name column fits whichever is shown.
+    click("m_DL_AddJunctionBox_Button");
+    CWidget* box = doc()->current();
+    click("m_DL_AddFixture_Button");
+    CWidget* fixture = doc()->current();
+    doc()->setCurrent(box);
+    click("m_DL_AddLeader_Button");
+    CWidget* leader = doc()->current();
+    QCOMPARE(leader->parentWidget(), box);
+    const QFontMetrics metrics(table()->font());
+    const int longName = metrics.horizontalAdvance(fixture->name());
+    QVERIFY(longName > 2 * metrics.horizontalAdvance(leader->name()));
+
+    doc()->setCurrent(fixture);
+    QVERIFY(table()->columnWidth(PropName) >= longName);
+    doc()->setCurrent(leader);
+    QVERIFY(table()->columnWidth(PropName) < longName);
+    doc()->setCurrent(fixture);
+    QVERIFY(table()->columnWidth(PropName) >= longName);
+}
+
+namespace
+{
+QStringList g_debugLines;
+void recordDebug(QtMsgType type, const QMessageLogContext&, const QString& text)
+{
+    if (type == QtDebugMsg && text.startsWith(QLatin1String("jbox ")))
+        g_debugLines << text;
+}
+} // namespace
+
+void TestPropertyTable::rejectedBoxesLoggedOnce()
+{
+    QVERIFY(doc()->addReceiver());
+    g_debugLines.clear();
+    const QtMessageHandler previous = qInstallMessageHandler(recordDebug);
+    QWidget* editor = openEditor(PropJunctionBox);
+    qInstallMessageHandler(previous);
+    QVERIFY(qobject_cast<ComboBoxPropertyEditor*>(editor));
+    QVERIFY2(!g_debugLines.isEmpty(), "the catalog has boxes a receiver cannot carry");
+    QStringList once = g_debugLines;
+    once.removeDuplicates();
+    QCOMPARE(g_debugLines, once);
 }
 
 QTEST_MAIN(TestPropertyTable)
