@@ -98,7 +98,8 @@ def parse_mutations(path):
 def locate(m, text):
     """Returns (line index, new text) or (None, reason) for mutation m applied to text."""
     lines = text.split("\n")
-    hits = [i for i, l in enumerate(lines) if m.pattern in l]
+    pattern = m.pattern.strip()  # indentation does not count: code re-indented still matches
+    hits = [i for i, l in enumerate(lines) if pattern in l]
     if not hits:
         return None, "pattern not found"
     if m.occurrence is not None:
@@ -112,7 +113,7 @@ def locate(m, text):
         i = hits[0]
     m.target_line = i + 1
     m.original = lines[i]
-    lines[i] = lines[i].replace(m.pattern, m.replacement, 1)
+    lines[i] = lines[i].replace(pattern, m.replacement.strip(), 1)
     m.mutated = lines[i]
     return i, "\n".join(lines)
 

@@ -592,6 +592,11 @@ void TestMainWindow::fieldsAndLogShowOnlyTheirOwn()
     m_window->DL_Update();
     QVERIFY(feedwise->isEnabled());
     QCOMPARE(feedwise->text(), QStringLiteral("500.0"));
+    // A load of exactly 1 (294 ft where the location is not in the catalog) is over: red.
+    wire->setLocation(QStringLiteral("Tunnel"));
+    wire->setLength(294.0);
+    m_window->DL_Update();
+    QCOMPARE(feedwise->palette().color(QPalette::Base), Runplan::failingFieldColor());
     doc()->setCurrent(doc()->root());
     m_prompter->deleteAnswers << true;
     m_window->DL_DeleteLast();
