@@ -195,6 +195,20 @@ void TstCanvas::connectorColours()
     c.doc.setCurrent(second->parentWidget());
     QVERIFY(c.doc.removeCurrent());
     NEAR_COLOUR(c.render(), QPoint(240, 28), Orange);
+
+    // On a Feedwise enabler the wire and the junction box on it are Feedwise: red, no orange at all.
+    Canvas feedwise(&m_db);
+    QVERIFY(feedwise.doc.addSupply(m_feeder)->applyEditorValue(PropOutputMode, QStringLiteral("Feedwise")));
+    QVERIFY(feedwise.doc.addJunctionBox());
+    const QImage all = feedwise.render();
+    int red = 0, orange = 0;
+    for (int y = 0; y < all.height(); ++y)
+        for (int x = 0; x < all.width(); ++x) {
+            red += colourNear(all, QPoint(x, y), Red, 0, 0);
+            orange += colourNear(all, QPoint(x, y), Orange, 0, 0);
+        }
+    QVERIFY(red > 0);
+    QCOMPARE(orange, 0);
 }
 
 void TstCanvas::boxLook()
