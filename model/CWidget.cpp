@@ -494,24 +494,11 @@ void CableWidget::applyCableDefaults(const VxJumper* cable, bool keepFitting)
 void CableWidget::setType(const QString& t)
 {
     m_type = t;
-    keepFixedJumperLength();
 }
 
 void CableWidget::setLength(double l)
 {
     m_length = l;
-    keepFixedJumperLength();
-}
-
-void CableWidget::keepFixedJumperLength()
-{
-    // A fixed jumper's length is its cable's, and files do not carry it: read back, it must be
-    // the same as when the jumper was placed, whatever order the attributes come in.
-    if (!ComponentLoading::active() || itemType() != ItemJumper)
-        return;
-    const VxJumper* cable = cableRecord();
-    if (cable && !cable->hasCustomWires)
-        m_length = cable->electricalLength;
 }
 
 int CableWidget::customLengthLimit(const VxJumper* cable, const QString& gauge)

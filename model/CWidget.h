@@ -271,7 +271,6 @@ protected:
     // and length when the gauge is one of its wires and the length fits, else its default wire and
     // default custom length.
     void applyCableDefaults(const VxJumper* cable, bool keepFitting);
-    void keepFixedJumperLength();
 
     QString m_type;
     QString m_gauge;

@@ -303,7 +303,7 @@ private slots:
 
     void readingRules()
     {
-        // A fixed jumper is written without a length and comes back with its cable's, as placed.
+        // A fixed jumper is written without a length and comes back with the constructor's.
         ConfigDocument doc(&m_db);
         buildSmall(doc);
         HeaderValues h;
@@ -311,7 +311,7 @@ private slots:
         const CWidget* fixture = doc.root() && doc.root()->child(0) ? doc.root()->child(0)->child(0) : nullptr;
         auto* jumper = qobject_cast<CableWidget*>(fixture ? fixture->child(0) : nullptr);
         QVERIFY(jumper);
-        QCOMPARE(jumper->length(), 2.0);
+        QCOMPARE(jumper->length(), 1.0);
 
         // A supply read from a file never offers "Feedwise", and takes no mode the file leaves out.
         QVERIFY(ProjectFile::read(
