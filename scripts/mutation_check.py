@@ -17,6 +17,7 @@ import fcntl
 import os
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import time
@@ -164,14 +165,22 @@ def sync_tree(repo, src, shared):
 
 
 def run(cmd, env, timeout=None):
+    """Runs cmd in its own process group, so that stopping the check stops its tests too."""
     t0 = time.monotonic()
+    p = subprocess.Popen(cmd, env=env, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                         errors="replace", start_new_session=True)
     try:
-        p = subprocess.run(cmd, env=env, capture_output=True, text=True, errors="replace", timeout=timeout)
-        code, output = p.returncode, p.stdout + p.stderr
-    except subprocess.TimeoutExpired as e:
+        output, _ = p.communicate(timeout=timeout)
+        code = p.returncode
+    except subprocess.TimeoutExpired:
+        os.killpg(p.pid, signal.SIGKILL)
+        output, _ = p.communicate()
         code = -1
-        output = (e.stdout or b"").decode("utf-8", "replace") if isinstance(e.stdout, bytes) else (e.stdout or "")
         output += "\n[mutation-check] command timed out\n"
+    except BaseException:
+        os.killpg(p.pid, signal.SIGKILL)
+        p.wait()
+        raise
     return code, output, time.monotonic() - t0
 
 
@@ -224,6 +233,9 @@ def main():
                     help="only check which patterns still apply to the working tree; no build")
     ap.add_argument("-o", "--out", metavar="FILE", help="results as tab-separated lines (default <workdir>/results.tsv)")
     args = ap.parse_args()
+    # A run in the background ignores Ctrl-C; TERM stops it the same way: the file restored.
+    signal.signal(signal.SIGTERM, lambda *_: (_ for _ in ()).throw(KeyboardInterrupt()))
+    signal.signal(signal.SIGINT, signal.default_int_handler)
 
     repo = os.path.abspath(args.repo)
     listing = args.file or os.path.join(repo, "tests", "mutations.txt")
