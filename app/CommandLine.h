@@ -25,14 +25,18 @@ struct CommandLineOptions {
     bool help = false;
     bool version = false;
     bool report = false;
+    QString exportReportFile; // "--export-report FILE": the design report (PDF) of the project
+    QString exportBomFile;    // "--export-bom FILE": its bill of materials (CSV)
 
     bool requestsExport() const { return maximizeAll || maximizeFixture; }
+    bool requestsDesignExport() const { return !exportReportFile.isEmpty() || !exportBomFile.isEmpty(); }
 };
 
-// Reads the arguments that follow the program path. Options are read while an argument contains
-// a "-"; an option that takes a value consumes the next argument (given last, it does nothing,
-// except that the two exports are still requested, with an empty file name). Unknown options are
-// skipped. Of the arguments left after the options, the last one is the project file.
+// Reads the arguments that follow the program path, after Qt has taken its own options out of
+// them. Options are read while an argument contains a "-"; an option that takes a value consumes
+// the next argument whatever it holds (given last, it does nothing, except that the two exports
+// are still requested, with an empty file name). Unknown options are skipped; a bare "--" ends
+// the options. The project file is the one "--report" names, else the last argument left.
 CommandLineOptions parseCommandLine(const QStringList& arguments);
 
 // The text printed by "--help".

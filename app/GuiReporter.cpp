@@ -7,6 +7,10 @@
 
 void GuiReporter::message(Kind kind, const QString& title, const QString& text)
 {
+    if (Reporter::global() != this) {
+        Reporter::global()->message(kind, title, text);
+        return;
+    }
     QWidget* parent = QApplication::activeWindow();
     switch (kind) {
     case Kind::Warning:
@@ -21,14 +25,19 @@ void GuiReporter::message(Kind kind, const QString& title, const QString& text)
     }
 }
 
+Runplan* GuiReporter::window() const
+{
+    return m_window ? m_window : Runplan::instance();
+}
+
 void GuiReporter::status(const QString& text)
 {
-    if (Runplan* window = Runplan::instance())
-        window->showStatusLine(text);
+    if (Runplan* w = window())
+        w->showStatusLine(text);
 }
 
 void GuiReporter::log(const QString& text, bool failing)
 {
-    if (Runplan* window = Runplan::instance())
-        window->statusMessage(text, failing ? Runplan::failingLogColor() : Runplan::passingLogColor());
+    if (Runplan* w = window())
+        w->statusMessage(text, failing ? Runplan::failingLogColor() : Runplan::passingLogColor());
 }

@@ -106,3 +106,15 @@ int DialogPrompter::execDialog(QDialog* dialog)
 {
     return dialog->exec();
 }
+
+bool DialogPrompter::askRecover(QWidget* parent, const QString& displayName)
+{
+    QMessageBox box(parent);
+    box.setIcon(QMessageBox::Question);
+    box.setText(tr("Runplan closed unexpectedly. Recover the unsaved changes to %1?").arg(displayName));
+    QPushButton* recover = box.addButton(tr("Recover"), QMessageBox::AcceptRole);
+    box.addButton(tr("Discard"), QMessageBox::DestructiveRole);
+    box.setDefaultButton(recover);
+    box.exec();
+    return box.clickedButton() == recover;
+}

@@ -32,6 +32,8 @@ public:
     // Runs a modal dialog (preferences, print setup, the replace questions) and returns its result
     // code.
     virtual int execDialog(QDialog* dialog) = 0;
+    // A run that did not exit cleanly left unsaved changes to displayName: true to recover them.
+    virtual bool askRecover(QWidget* parent, const QString& displayName) = 0;
 };
 
 // The message boxes and file dialogs a person sees.
@@ -48,4 +50,5 @@ public:
     bool askReplaceNotReadWhole(QWidget* parent, const QString& fileName) override;
     bool confirmDelete(QWidget* parent) override;
     int execDialog(QDialog* dialog) override;
+    bool askRecover(QWidget* parent, const QString& displayName) override;
 };

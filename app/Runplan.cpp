@@ -1,8 +1,19 @@
 #include "app/Runplan.h"
 
 #include "app/AboutDialog.h"
+#include "app/Autosave.h"
+#include "app/BatchRunner.h"
 #include "app/CommandLine.h"
+#include "app/DocumentLifecycle.h"
+#include "app/ExportRunner.h"
+#include "app/GuiReporter.h"
 #include "app/Prompter.h"
+#include "app/ReportPdf.h"
+#include "app/UnlaidTextLayout.h"
+#include "app/WindowScopes.h"
+#include "app/commands/CommandText.h"
+#include "app/commands/EditHistory.h"
+#include "calc/DesignReport.h"
 #include "calc/Maximize.h"
 #include "canvas/CFrame.h"
 #include "catalog/Database.h"
@@ -10,8 +21,8 @@
 #include "model/CWidget.h"
 #include "model/CWidgetModel.h"
 #include "model/ConfigDocument.h"
+#include "model/DocumentSnapshot.h"
 #include "model/ProjectFile.h"
-#include "model/SafeFile.h"
 #include "model/view/CWidgetTableView.h"
 #include "ui_Runplan.h"
 #include "update/LoadingDialog.h"
@@ -20,6 +31,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDate>
 #include <QDebug>
 #include <QDir>
 #include <QFile>
@@ -33,9 +45,12 @@
 #include <QSettings>
 #include <QStatusBar>
 #include <QTextCursor>
+#include <QTextDocument>
 #include <QTimer>
+#include <QUndoStack>
 
 #include <cstdio>
+#include <optional>
 
 // The compiled-in pictures live in the static front-end library; referencing them here makes sure
 // the linker keeps them wherever the window is used.
@@ -48,67 +63,14 @@ namespace
 {
 Runplan* g_mainWindow = nullptr;
 
-// Switches the clear question off for a scope and restores the previous setting after.
-class InteractiveChangeOff
+QFont boldFont()
 {
-public:
-    explicit InteractiveChangeOff(Runplan* w) : m_window(w), m_previous(w->isInteractiveChange())
-    {
-        w->setInteractiveChange(false);
-    }
-    ~InteractiveChangeOff() { m_window->setInteractiveChange(m_previous); }
-    InteractiveChangeOff(const InteractiveChangeOff&) = delete;
-    InteractiveChangeOff& operator=(const InteractiveChangeOff&) = delete;
-
-private:
-    Runplan* m_window;
-    bool m_previous;
-};
-
-// Holds the automatic analysis back for a scope.
-class AnalysisHold
-{
-public:
-    explicit AnalysisHold(int& counter) : m_counter(counter) { ++m_counter; }
-    ~AnalysisHold() { --m_counter; }
-    AnalysisHold(const AnalysisHold&) = delete;
-    AnalysisHold& operator=(const AnalysisHold&) = delete;
-
-private:
-    int& m_counter;
-};
-
-QString projectFilter()
-{
-    return QObject::tr("Configuration Files (*.rpproj);;All Files (*.* *)");
+    QFont bold = QApplication::font();
+    bold.setWeight(QFont::Bold);
+    return bold;
 }
 
-int findExact(const QComboBox* combo, const QString& text)
-{
-    return combo->findText(text, Qt::MatchFixedString | Qt::MatchCaseSensitive);
-}
 } // namespace
-
-// Routes the engine's words to this window: messages to the process-wide reporter (message boxes
-// at the desktop, standard error when unattended), status lines to the status bar and log lines
-// to the output log.
-class Runplan::WindowReporter : public Reporter
-{
-public:
-    explicit WindowReporter(Runplan* window) : m_window(window) {}
-    void message(Kind kind, const QString& title, const QString& text) override
-    {
-        Reporter::global()->message(kind, title, text);
-    }
-    void status(const QString& text) override { m_window->showStatusLine(text); }
-    void log(const QString& text, bool failing) override
-    {
-        m_window->statusMessage(text, failing ? failingLogColor() : passingLogColor());
-    }
-
-private:
-    Runplan* m_window;
-};
 
 Runplan* Runplan::instance()
 {
@@ -117,7 +79,8 @@ Runplan* Runplan::instance()
 
 Runplan::Runplan(QWidget* parent)
     : QMainWindow(parent), ui(new Ui::RunplanClass), m_defaultPrompter(new DialogPrompter),
-      m_reporter(new WindowReporter(this))
+      m_reporter(new GuiReporter(this)), m_lifecycle(new DocumentLifecycle(this)),
+      m_batch(new BatchRunner(this))
 {
     g_mainWindow = this;
     m_prompter = m_defaultPrompter.get();
@@ -126,13 +89,56 @@ Runplan::Runplan(QWidget* parent)
     // first analysis.
     auto hold = std::make_unique<AnalysisHold>(m_analysisSuspended);
 
-    // Form and icon.
+    setUpForm();
+
+    // The catalog: its first use loads it and reports its own faults. The canvas and the
+    // property table are two views on the one configuration.
+    m_db = Database::instance();
+    m_doc = new ConfigDocument(m_db, this);
+    m_exportRunner = new ExportRunner(this);
+    m_history = new EditHistory(
+        m_doc, this, [this](const DocumentSnapshot& state) { restoreState(state); }, this);
+    m_autosave = new Autosave(
+        m_doc, m_history, [this]() { return ProjectFile::toBytes(*m_doc, *this); },
+        [this]() { return m_lifecycle->currentFile(); }, this);
+    auto pause = std::make_unique<EditHistory::Pause>(m_history);
+    ui->m_DL_Frame->setDocument(m_doc);
+    ui->m_DL_Frame->confirmDelete = [this]() { return m_prompter->confirmDelete(this); };
+    m_doc->model()->setHeaderDecoration(QPixmap(QStringLiteral(":/editicon.svg")));
+    ui->tableView->setModel(m_doc->model());
+    ui->tableView->setRootIndex(QModelIndex());
+    if (m_db->isValid()) {
+        statusMessage(tr("Database version %1").arg(m_db->version()));
+        for (DLPowerSupply* supply : m_db->supplies())
+            ui->m_DLSupply_Combo->addItem(supply->name, QVariant::fromValue(supply));
+    }
+
+    chooseInitialInputs();
+    hold.reset();
+
+    connectViews();
+
+    resetCanvas();
+    m_doc->setModified(false);
+    setUpUndoActions();
+    pause.reset();
+    m_history->restart();
+
+    setUpActionTips();
+
+    // Title.
+    m_lifecycle->setWindowTitleFor(QString());
+    restoreWindowState();
+}
+
+// The form, its icon and bold labels, the Dynaline page alone, the version line.
+void Runplan::setUpForm()
+{
     ui->setupUi(this);
     setWindowIcon(QIcon(QStringLiteral(":/Runplan.ico")));
 
     // Bold labels; only the Dynaline page stays.
-    QFont bold = QApplication::font();
-    bold.setWeight(QFont::Bold);
+    const QFont bold = boldFont();
     ui->m_DL_Supply_Label->setFont(bold);
     ui->m_DL_Fixture_Label->setFont(bold);
     for (int page : {3, 2, 1}) {
@@ -151,27 +157,17 @@ Runplan::Runplan(QWidget* parent)
                       .arg(RunplanVersion::BuildDate)
                       .arg(RunplanVersion::buildTag()),
                   passingLogColor());
+}
 
-    // The catalog: its first use loads it and reports its own faults. The canvas and the
-    // property table are two views on the one configuration.
-    m_db = Database::instance();
-    m_doc = new ConfigDocument(m_db, this);
-    ui->m_DL_Frame->setDocument(m_doc);
-    ui->m_DL_Frame->confirmDelete = [this]() { return m_prompter->confirmDelete(this); };
-    m_doc->model()->setHeaderDecoration(QPixmap(QStringLiteral(":/editicon.svg")));
-    ui->tableView->setModel(m_doc->model());
-    ui->tableView->setRootIndex(QModelIndex());
-    if (m_db->isValid()) {
-        statusMessage(tr("Database version %1").arg(m_db->version()));
-        for (DLPowerSupply* supply : m_db->supplies())
-            ui->m_DLSupply_Combo->addItem(supply->name, QVariant::fromValue(supply));
-    }
-
-    // Initial choices. The result labels hold the form's placeholders until an analysis fills
-    // them, which never happens without a catalog.
+// The circuit inputs a new window starts with.
+void Runplan::chooseInitialInputs()
+{
+    // The result labels hold the form's placeholders until an analysis fills them, which never
+    // happens without a catalog.
     ui->m_DL_DerateLoad_Label->clear();
     ui->m_DL_TotalFixtures_Label->clear();
     ui->m_DL_AddReceiver_Button->hide();
+    const QFont bold = boldFont();
     ui->m_DL_TotalPower_Label->setFont(bold);
     ui->m_DL_TotalFixtures_Label->setFont(bold);
     chooseDefaultLineVoltage();
@@ -183,9 +179,11 @@ Runplan::Runplan(QWidget* parent)
     ui->m_DL_MaxLoad_Spin->hide();
     ui->m_DL_TotalPowerWatts_Edit->setAutoFillBackground(true);
     ui->m_DL_TotalPowerAmps_Edit->setAutoFillBackground(true);
-    hold.reset();
+}
 
-    // Connections.
+// The canvas, the property table, the actions and the undo history, wired to the window.
+void Runplan::connectViews()
+{
     CFrame* canvas = ui->m_DL_Frame;
     connect(canvas, &CFrame::frameChanged, this, &Runplan::DL_Update);
     connect(this, &Runplan::paramChanged, canvas, &CFrame::handleParamChanged);
@@ -218,10 +216,21 @@ Runplan::Runplan(QWidget* parent)
     connect(this, &Runplan::zoomLevelChanged, canvas, &CFrame::handleZoomChanged);
     connect(ui->m_clearLogButton, &QPushButton::clicked, ui->m_messageBox, &QTextEdit::clear);
     connect(ui->actionLineColorKey, &QAction::toggled, canvas, &CFrame::handleLineKeyToggled);
-    on_m_DL_Reset_Button_clicked();
-    m_doc->setModified(false);
+    connect(ui->actionExportReport, &QAction::triggered, this, &Runplan::handleExportReport);
+    connect(ui->actionExportBillOfMaterials, &QAction::triggered, this,
+            &Runplan::handleExportBillOfMaterials);
+    connect(ui->actionShowVoltages, &QAction::toggled, this, &Runplan::handleShowVoltages);
+    canvas->setAnalysis(&m_lastResult);
+    connect(m_doc->model(), &CWidgetModel::propertyEdited, this, [this](int column) {
+        // The edit is already stored: the step records it.
+        EditHistory::Step step(
+            m_history, CommandText::change(m_doc->model()->headerData(column, Qt::Horizontal).toString()));
+    });
+}
 
-    // Tips, icons and the zoom list.
+// Status tips, icons and the zoom list.
+void Runplan::setUpActionTips()
+{
     ui->actionNew->setStatusTip(tr("Create a new configuration"));
     ui->actionOpen->setStatusTip(tr("Open an exisiting configuration, checking for unsaved changes"));
     ui->actionSave->setStatusTip(tr("Save the current configuration"));
@@ -243,24 +252,33 @@ Runplan::Runplan(QWidget* parent)
     for (int percent = 10; percent <= 100; percent += 10)
         ui->m_zoomComboBox->addItem(QString::number(percent) + QLatin1Char('%'));
     ui->m_zoomComboBox->setCurrentIndex(ui->m_zoomComboBox->count() - 1);
+}
 
-    // Title.
-    setWindowTitleFor(QString());
-
-    // Stored window state; the line key shows unless it was switched off.
+// Stored window state; the line key shows unless it was switched off.
+void Runplan::restoreWindowState()
+{
     QSettings settings;
     if (settings.contains(RunplanSettings::windowGeometryKey()))
         restoreGeometry(settings.value(RunplanSettings::windowGeometryKey()).toByteArray());
-    ui->actionLineColorKey->setChecked(settings.contains(RunplanSettings::lineKeyActiveKey())
-                                           ? settings.value(RunplanSettings::lineKeyActiveKey()).toBool()
-                                           : true);
-    canvas->handleLineKeyToggled(ui->actionLineColorKey->isChecked());
+    ui->actionLineColorKey->setChecked(RunplanSettings::lineKeyActive());
+    ui->m_DL_Frame->handleLineKeyToggled(ui->actionLineColorKey->isChecked());
+    {
+        const QSignalBlocker quiet(ui->actionShowVoltages);
+        ui->actionShowVoltages->setChecked(
+            settings.value(RunplanSettings::showVoltagesKey(), false).toBool());
+    }
+    ui->m_DL_Frame->setShowVoltages(ui->actionShowVoltages->isChecked());
 }
 
 Runplan::~Runplan()
 {
+    // Reaching here is a clean exit: nothing is left to recover.
+    m_autosave->discard();
+    if (!m_heldLogEdit.isNull())
+        m_heldLogEdit.endEditBlock();
     // The canvas and the table refer to the document: let them go first.
     ui->m_DL_Frame->setDocument(nullptr);
+    ui->m_DL_Frame->setAnalysis(nullptr);
     ui->tableView->setModel(nullptr);
     delete ui;
     if (g_mainWindow == this)
@@ -329,7 +347,7 @@ void Runplan::handleZoomLevelChanged(int index)
 
 void Runplan::handleProgressDialogClosed()
 {
-    m_exportRunning = false;
+    m_exportRunner->cancel();
 }
 
 void Runplan::emitInputChanged()
@@ -341,36 +359,45 @@ void Runplan::emitInputChanged()
 
 void Runplan::on_m_DL_LineVoltage_Combo_currentIndexChanged(int index)
 {
-    ui->m_DL_LineVoltage_Spin->setVisible(ui->m_DL_LineVoltage_Combo->itemText(index) == tr("Other"));
+    EditHistory::Step step(m_history, CommandText::change(tr("Line Voltage")));
+    ui->m_DL_LineVoltage_Spin->setVisible(ui->m_DL_LineVoltage_Combo->itemText(index) ==
+                                          HeaderChoices::otherEntry());
     emitInputChanged();
 }
 
 void Runplan::on_m_DL_LineVoltage_Spin_valueChanged(int value)
 {
+    EditHistory::Step step(m_history, CommandText::change(tr("Line Voltage")),
+                           CommandText::CustomLineVoltage);
     Q_UNUSED(value)
     emitInputChanged();
 }
 
 void Runplan::on_m_DL_MaxLoad_Combo_currentIndexChanged(int index)
 {
+    EditHistory::Step step(m_history, CommandText::change(tr("Max Circuit Load")));
     ui->m_DL_MaxLoad_Spin->setVisible(index >= 0 && index == ui->m_DL_MaxLoad_Combo->count() - 1);
     emitInputChanged();
 }
 
 void Runplan::on_m_DL_MaxLoad_Spin_valueChanged(int value)
 {
+    EditHistory::Step step(m_history, CommandText::change(tr("Max Circuit Load")),
+                           CommandText::CustomMaxCircuitLoad);
     Q_UNUSED(value)
     emitInputChanged();
 }
 
 void Runplan::on_m_frequencyComboBox_currentIndexChanged(int index)
 {
+    EditHistory::Step step(m_history, CommandText::change(tr("Frequency")));
     Q_UNUSED(index)
     emitInputChanged();
 }
 
 void Runplan::on_m_DLController_Combo_currentIndexChanged(int index)
 {
+    EditHistory::Step step(m_history, CommandText::change(tr("Controller")));
     Q_UNUSED(index)
     emit paramChanged();
     DL_Update();
@@ -410,7 +437,8 @@ CircuitInputs Runplan::circuitInputs() const
 {
     CircuitInputs in;
     const QString volts = ui->m_DL_LineVoltage_Combo->currentText();
-    in.lineVoltage = volts == tr("Other") ? ui->m_DL_LineVoltage_Spin->value() : volts.toDouble();
+    in.lineVoltage =
+        volts == HeaderChoices::otherEntry() ? ui->m_DL_LineVoltage_Spin->value() : volts.toDouble();
     const int load = ui->m_DL_MaxLoad_Combo->currentIndex();
     in.maxCircuitLoad = (load >= 0 && load == ui->m_DL_MaxLoad_Combo->count() - 1)
                             ? ui->m_DL_MaxLoad_Spin->value()
@@ -458,7 +486,7 @@ void Runplan::selectSupplyRecord(const DLPowerSupply* record)
 void Runplan::chooseDefaultLineVoltage()
 {
     // "120" where the list offers it; otherwise what the list rebuild chose stays.
-    const int index = findExact(ui->m_DL_LineVoltage_Combo, QStringLiteral("120"));
+    const int index = findExactText(ui->m_DL_LineVoltage_Combo, QStringLiteral("120"));
     if (index >= 0)
         ui->m_DL_LineVoltage_Combo->setCurrentIndex(index);
 }
@@ -473,11 +501,12 @@ void Runplan::on_m_DLSupply_Combo_currentIndexChanged(int index)
         return;
     }
     m_previousSupplyIndex = index;
+    EditHistory::Step step(m_history, CommandText::change(tr("Enabler")));
     {
         AnalysisHold hold(m_analysisSuspended);
         InteractiveChangeOff off(this);
         // The root is always the chosen enabler.
-        on_m_DL_Reset_Button_clicked();
+        resetCanvas();
 
         const DLPowerSupply* supply = currentSupplyRecord();
         ui->m_DLFixture_Combo->clear();
@@ -509,6 +538,7 @@ void Runplan::on_m_DLFixture_Combo_currentIndexChanged(int index)
         return;
     }
 
+    EditHistory::Step step(m_history, CommandText::change(tr("Fixture")));
     const int fixtures = m_doc->count(ItemFixture);
     const int leaders = m_doc->count(ItemLeader);
     const bool familiesDiffer = !m_previousFixture || m_previousFixture->family != fixture->family;
@@ -527,7 +557,7 @@ void Runplan::on_m_DLFixture_Combo_currentIndexChanged(int index)
                 updateAddButtons(m_doc->currentIndex());
                 return;
             }
-            on_m_DL_Reset_Button_clicked();
+            resetCanvas();
         }
         updateAddButtons(m_doc->currentIndex());
         m_previousFixture = fixture;
@@ -542,7 +572,7 @@ void Runplan::rebuildVoltageList(const DLFixture* fixture)
 {
     QComboBox* combo = ui->m_DL_LineVoltage_Combo;
     const QSignalBlocker block(combo);
-    const QString other = tr("Other");
+    const QString other = HeaderChoices::otherEntry();
     const QString previous = combo->currentText();
     combo->clear();
     for (int volts : fixture->validVoltages)
@@ -559,36 +589,48 @@ void Runplan::rebuildVoltageList(const DLFixture* fixture)
 
 void Runplan::on_m_DL_AddFixture_Button_clicked()
 {
+    EditHistory::Step step(m_history, CommandText::add(ItemFixture));
     m_doc->addFixture(currentFixtureRecord());
 }
 
 void Runplan::on_m_DL_AddJumper_Button_clicked()
 {
+    EditHistory::Step step(m_history, CommandText::add(ItemJumper));
     m_doc->addJumper(currentFixtureRecord());
 }
 
 void Runplan::on_m_DL_AddReceiver_Button_clicked()
 {
+    EditHistory::Step step(m_history, CommandText::add(ItemReceiver));
     m_doc->addReceiver();
 }
 
 void Runplan::on_m_DL_AddJunctionBox_Button_clicked()
 {
+    EditHistory::Step step(m_history, CommandText::add(ItemJunctionBox));
     m_doc->addJunctionBox();
 }
 
 void Runplan::on_m_DL_AddLeader_Button_clicked()
 {
+    EditHistory::Step step(m_history, CommandText::add(ItemLeader));
     m_doc->addLeader(currentFixtureRecord());
 }
 
 void Runplan::on_m_DL_AddSupply_Button_clicked()
 {
+    EditHistory::Step step(m_history, CommandText::add(ItemSupply));
     m_doc->addSupply(currentSupplyRecord());
 }
 
 void Runplan::on_m_DL_Reset_Button_clicked()
 {
+    resetCanvas();
+}
+
+void Runplan::resetCanvas()
+{
+    EditHistory::Step step(m_history, CommandText::reset());
     const int topLevel = m_doc->model()->rowCount();
     m_doc->clear();
     on_m_DL_AddSupply_Button_clicked();
@@ -604,6 +646,7 @@ void Runplan::on_m_DL_Delete_Button_clicked()
 
 void Runplan::DL_DeleteLast()
 {
+    EditHistory::Step step(m_history, CommandText::remove(m_doc->current()));
     ui->m_DL_Frame->deleteCurrent();
     // The canvas is never left empty.
     if (!m_doc->root())
@@ -645,6 +688,12 @@ void Runplan::runAnalysis()
 {
     AnalysisResult result = analyze(m_doc->root(), circuitInputs(), *m_db);
     applyResult(*m_doc, result);
+    if (m_displayHeld) {
+        // Unattended: the log still gets its lines; the totals and the canvas are never seen.
+        logResult(result);
+        m_lastResult = std::move(result);
+        return;
+    }
 
     ui->m_DL_DerateLoad_Label->setText(result.derateLabel);
     ui->m_DL_TotalFixtures_Label->setText(result.fixtureLabel);
@@ -667,16 +716,25 @@ void Runplan::runAnalysis()
         setFieldColor(ui->m_DL_Total_PLC_Length_Edit, clearedFieldColor());
     }
 
-    for (const auto& line : result.logLines())
-        statusMessage(line.first, line.second ? failingLogColor() : passingLogColor());
-
+    logResult(result);
     m_lastResult = std::move(result);
     ui->m_DL_Frame->updateFrame();
     ui->tableView->handleModelReset();
 }
 
+void Runplan::logResult(const AnalysisResult& result)
+{
+    for (const auto& line : result.logLines())
+        statusMessage(line.first, line.second ? failingLogColor() : passingLogColor());
+}
+
 void Runplan::setFieldColor(QLineEdit* edit, const QColor& color)
 {
+    // Every analysis sets the colours again, mostly to what they are: a new palette is dear.
+    if (edit->palette().color(QPalette::Active, QPalette::Base) == color &&
+        edit->palette().color(QPalette::Inactive, QPalette::Base) == color &&
+        edit->palette().color(QPalette::Disabled, QPalette::Base) == color)
+        return;
     QPalette palette = edit->palette();
     palette.setColor(QPalette::All, QPalette::Base, color);
     edit->setPalette(palette);
@@ -695,17 +753,13 @@ void Runplan::handleClearCalculations()
 
 void Runplan::on_m_DL_Calculate_Configuration_clicked()
 {
-    auto* dialog = new LoadingDialog(this);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->showCentredOn(QApplication::activeWindow());
-    QCoreApplication::processEvents();
-    runAnalysis();
-    dialog->close();
+    runWithProgress(this, [this]() { runAnalysis(); });
 }
 
 void Runplan::DL_Maximize()
 {
     // Maximize analyses after each of its own changes; the changes must not start one more each.
+    EditHistory::Step step(m_history, CommandText::maximize());
     AnalysisHold hold(m_analysisSuspended);
     ::maximize(
         *m_doc, currentFixtureRecord(),
@@ -718,385 +772,137 @@ void Runplan::DL_Maximize()
 
 void Runplan::on_m_DL_Maximize_Button_clicked()
 {
-    auto* dialog = new LoadingDialog(this);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->showCentredOn(QApplication::activeWindow());
-    QCoreApplication::processEvents();
-    DL_Maximize();
-    dialog->close();
+    runWithProgress(this, [this]() { DL_Maximize(); });
 }
 
 // =============================================================================================
-// Exports
+// Undo and recovery
 
-const Database& Runplan::database() const
+void Runplan::setUpUndoActions()
 {
-    return *m_db;
+    QUndoStack* stack = m_history->stack();
+    QAction* undo = stack->createUndoAction(this);
+    QAction* redo = stack->createRedoAction(this);
+    undo->setObjectName(QStringLiteral("actionUndo"));
+    redo->setObjectName(QStringLiteral("actionRedo"));
+    undo->setShortcut(QKeySequence::Undo);
+    redo->setShortcut(QKeySequence::Redo);
+    undo->setIcon(QIcon(QStringLiteral(":/undoicon.svg")));
+    redo->setIcon(QIcon(QStringLiteral(":/redoicon.svg")));
+    undo->setStatusTip(tr("Undo the last change to the configuration"));
+    redo->setStatusTip(tr("Redo the change undone last"));
+    QAction* firstEdit = ui->menuEdit->actions().value(0);
+    ui->menuEdit->insertActions(firstEdit, {undo, redo});
+    ui->menuEdit->insertSeparator(firstEdit);
+    ui->mainToolBar->insertActions(ui->actionDelete, {undo, redo});
 }
 
-void Runplan::selectEnabler(const DLPowerSupply* enabler)
+void Runplan::restoreState(const DocumentSnapshot& state)
 {
-    selectSupplyRecord(enabler);
-}
-
-void Runplan::selectFixture(const VxFixture* fixture)
-{
-    const DLPowerSupply* supply = currentSupplyRecord();
-    if (!supply || !fixture)
-        return;
-    selectFixtureIndex(supply->fixtures.indexOf(const_cast<VxFixture*>(fixture)));
-}
-
-void Runplan::selectLineVoltage(int volts)
-{
-    const int index = findExact(ui->m_DL_LineVoltage_Combo, QString::number(volts));
-    if (index >= 0)
-        ui->m_DL_LineVoltage_Combo->setCurrentIndex(index);
-}
-
-void Runplan::resetWithFixture()
-{
-    InteractiveChangeOff off(this);
-    on_m_DL_Reset_Button_clicked();
-    on_m_DL_AddFixture_Button_clicked();
-}
-
-void Runplan::maximize()
-{
-    // Maximize reads the pass flag of the configuration as it stands now.
+    {
+        AnalysisHold hold(m_analysisSuspended);
+        InteractiveChangeOff off(this);
+        state.restore(*m_doc, *this, m_reporter.get());
+    }
     runAnalysis();
-    DL_Maximize();
-}
-
-int Runplan::fixtureCount() const
-{
-    return m_doc->count(ItemFixture);
-}
-
-double Runplan::totalLength() const
-{
-    return m_lastResult.totalLength;
-}
-
-const VxFixture* Runplan::currentFixture() const
-{
-    return currentFixtureRecord();
-}
-
-bool Runplan::progress(int percent)
-{
-    if (m_progressDialog) {
-        m_progressDialog->setPercent(percent);
-        QCoreApplication::processEvents();
-    }
-    return m_exportRunning;
-}
-
-void Runplan::on_actionMaximizeAll_triggered()
-{
-    runExport(true);
-}
-
-void Runplan::on_actionMaximizeFixture_triggered()
-{
-    runExport(false);
-}
-
-void Runplan::runExport(bool all)
-{
-    QString fileName = m_exportFileName;
-    if (m_runningBatchCommands) {
-        if (fileName.isEmpty())
-            fileName = RunplanSettings::defaultMaximizeFixtureFile();
-        if (!m_db->isValid()) {
-            std::fprintf(stderr, "%s\n",
-                         qPrintable(tr("Runplan: the catalog %1 is not valid; nothing was exported.")
-                                        .arg(QDir::toNativeSeparators(m_db->path()))));
-            finishBatch(1);
-            return;
-        }
-    } else {
-        fileName =
-            m_prompter->getSaveFileName(this, tr("Select file"), RunplanSettings::maximizeFixtureFile(),
-                                        tr("CSV File (*.csv);; All Files (*.*)"));
-        RunplanSettings::setMaximizeFixtureFile(fileName);
-        qDebug() << fileName;
-        if (fileName.isEmpty())
-            return;
-    }
-
-    // Written through a temporary file: a failed export leaves an earlier file as it was, and a
-    // cancelled one replaces it with the rows written so far.
-    QSaveFile file(fileName);
-    if (!SafeFile::open(file)) {
-        if (m_runningBatchCommands) {
-            std::fprintf(stderr, "%s\n",
-                         qPrintable(tr("Runplan: cannot write %1: %2")
-                                        .arg(QDir::toNativeSeparators(fileName), file.errorString())));
-            finishBatch(1);
-        }
-        return;
-    }
-
-    m_exportRunning = true;
-    if (!m_runningBatchCommands) {
-        m_progressDialog = new LoadingDialog(this);
-        connect(m_progressDialog->cancelButton(), &QPushButton::clicked, this,
-                &Runplan::handleProgressDialogClosed);
-        connect(m_progressDialog, &QDialog::rejected, this, &Runplan::handleProgressDialogClosed);
-        m_progressDialog->showCentredOn(QApplication::activeWindow());
-        QCoreApplication::processEvents();
-    }
-
-    if (all)
-        CsvExport::exportAllFixtures(file, *this);
-    else
-        CsvExport::exportCurrentFixture(file, *this);
-    const bool written = SafeFile::commit(file);
-    m_exportRunning = false;
-
-    if (m_progressDialog) {
-        m_progressDialog->hide();
-        m_progressDialog->deleteLater();
-        m_progressDialog = nullptr;
-    }
-    if (m_runningBatchCommands) {
-        if (!written)
-            std::fprintf(stderr, "%s\n",
-                         qPrintable(tr("Runplan: writing %1 failed: %2")
-                                        .arg(QDir::toNativeSeparators(fileName), file.errorString())));
-        finishBatch(written ? 0 : 1);
-    }
-}
-
-void Runplan::finishBatch(int exitCode)
-{
-    std::fflush(stdout);
-    std::fflush(stderr);
-    emit batchFinished(exitCode);
+    updateAddButtons(m_doc->currentIndex());
 }
 
 // =============================================================================================
 // Command line
 
-bool Runplan::processCommandLine(const QStringList& arguments)
-{
-    return processCommandLine(parseCommandLine(arguments.mid(1)));
-}
-
 bool Runplan::processCommandLine(const CommandLineOptions& options)
 {
-    if (options.unattended)
-        m_runningBatchCommands = true;
-    if (options.maximizeAll) {
-        m_maximizeAllRequested = true;
-        m_maximizeAllFileName = options.maximizeAllFile;
-    }
-    if (options.maximizeFixture) {
-        m_maximizeFixtureRequested = true;
-        m_maximizeFixtureFileName = options.maximizeFixtureFile;
-    }
-    for (const CommandLineOptions::Selection& s : options.selections) {
-        InteractiveChangeOff off(this);
-        switch (s.kind) {
-        case CommandLineOptions::Selection::Fixture: {
-            const int index = findExact(ui->m_DLFixture_Combo, s.value);
-            if (index >= 0)
-                ui->m_DLFixture_Combo->setCurrentIndex(index);
-            break;
-        }
-        case CommandLineOptions::Selection::PowerSupply: {
-            const int index = ui->m_DLSupply_Combo->findText(s.value, Qt::MatchFixedString);
-            if (index >= 0)
-                ui->m_DLSupply_Combo->setCurrentIndex(index);
-            break;
-        }
-        case CommandLineOptions::Selection::MaxCircuitLoad: {
-            const int index = ui->m_DL_MaxLoad_Combo->findText(s.value, Qt::MatchFixedString);
-            if (index >= 0)
-                ui->m_DL_MaxLoad_Combo->setCurrentIndex(index);
-            break;
-        }
-        }
-    }
-    bool opened = true;
-    if (!options.projectFile.isEmpty())
-        opened = openProject(options.projectFile);
-    QTimer::singleShot(0, this, &Runplan::runCommands);
-    return opened;
+    return m_batch->start(options);
+}
+
+void Runplan::holdDisplay()
+{
+    // The canvas and the property table are left without the configuration, the totals are no
+    // longer refreshed (runAnalysis), and the output log keeps its text, colours included,
+    // without laying out a line of it or keeping its edits for undo. What the canvas passed on
+    // from the document now comes straight from it.
+    m_displayHeld = true;
+    ui->tableView->setModel(nullptr);
+    ui->m_DL_Frame->setDocument(nullptr);
+    connect(m_doc, &ConfigDocument::changed, this, &Runplan::DL_Update);
+    connect(m_doc, &ConfigDocument::currentChanged, this, &Runplan::handleSelectionChanged);
+    connect(this, &Runplan::paramChanged, m_doc, [this]() { m_doc->setModified(true); });
+    QTextDocument* log = ui->m_messageBox->document();
+    log->setUndoRedoEnabled(false);
+    log->setDocumentLayout(new UnlaidTextLayout(log));
+    // One edit block for the whole run: every line goes in as it comes, but the log's views and
+    // signals hear of them once, at the end.
+    m_heldLogEdit = QTextCursor(log);
+    m_heldLogEdit.beginEditBlock();
 }
 
 void Runplan::runCommands()
 {
-    if (m_maximizeAllRequested) {
-        m_exportFileName = m_maximizeAllFileName;
-        on_actionMaximizeAll_triggered();
-    } else if (m_maximizeFixtureRequested) {
-        m_exportFileName = m_maximizeFixtureFileName;
-        on_actionMaximizeFixture_triggered();
-    } else {
-        emit commandsDone();
-    }
-    qDebug() << "Command completed";
+    m_batch->run();
 }
 
 // =============================================================================================
-// Document commands
+// Document commands (the work is the document lifecycle's)
+
+QString Runplan::currentFilePath() const
+{
+    return m_lifecycle->currentFile();
+}
 
 QString Runplan::displayName() const
 {
-    return m_currentFile.isEmpty() ? tr("Untitled.rpproj") : QFileInfo(m_currentFile).fileName();
-}
-
-void Runplan::setWindowTitleFor(const QString& path)
-{
-    const QString name = path.isEmpty() ? tr("Untitled.rpproj") : QFileInfo(path).fileName();
-    // One pass, so that a "%1" in the file name stays as typed.
-    setWindowTitle(tr("%1[*] - %2 Release %3.%4.%5 [Build %6-%7]")
-                       .arg(name, RunplanVersion::applicationName(), QString::number(RunplanVersion::Major),
-                            QString::number(RunplanVersion::Minor), QString::number(RunplanVersion::Revision),
-                            QString::number(RunplanVersion::BuildDate), RunplanVersion::buildTag()));
+    return m_lifecycle->displayName();
 }
 
 void Runplan::setCurrentFile(const QString& path)
 {
-    m_currentFile = path;
-    const QString shown = path.isEmpty() ? QString() : QFileInfo(path).fileName();
-    ui->actionSave->setText(tr("&Save %1").arg(shown));
-    ui->actionSaveAs->setText(tr("Save %1 &As...").arg(shown));
-    setWindowTitleFor(path);
+    m_lifecycle->setCurrentFile(path);
 }
 
 bool Runplan::offerToSaveIfNeeded()
 {
-    if (m_runningBatchCommands || !m_doc->isModified())
-        return false;
-    switch (m_prompter->askSaveChanges(this, displayName())) {
-    case Prompter::SaveChoice::Save:
-        handleSaveAction();
-        // A save that was cancelled or failed leaves the changes unsaved: do not go on.
-        return m_doc->isModified();
-    case Prompter::SaveChoice::Discard:
-        return false;
-    case Prompter::SaveChoice::Cancel:
-        return true;
-    }
-    return true;
+    return m_lifecycle->offerToSaveIfNeeded();
 }
 
 void Runplan::handleNewAction()
 {
-    if (offerToSaveIfNeeded())
-        return;
-    {
-        InteractiveChangeOff off(this);
-        if (ui->m_DLSupply_Combo->count() > 0)
-            ui->m_DLSupply_Combo->setCurrentIndex(0);
-    }
-    {
-        // A project read in part may have left selectors without an entry; New leaves none so.
-        InteractiveChangeOff off(this);
-        if (ui->m_DLFixture_Combo->currentIndex() < 0 && ui->m_DLFixture_Combo->count() > 0)
-            ui->m_DLFixture_Combo->setCurrentIndex(0);
-        if (ui->m_DLController_Combo->currentIndex() < 0 && ui->m_DLController_Combo->count() > 0)
-            ui->m_DLController_Combo->setCurrentIndex(0);
-    }
-    chooseDefaultLineVoltage();
-    if (ui->m_DL_LineVoltage_Combo->currentIndex() < 0 && ui->m_DL_LineVoltage_Combo->count() > 0)
-        ui->m_DL_LineVoltage_Combo->setCurrentIndex(0);
-    ui->m_DL_MaxLoad_Combo->setCurrentIndex(0);
-    ui->m_frequencyComboBox->setCurrentIndex(findExact(ui->m_frequencyComboBox, QStringLiteral("60 Hz")));
-    on_m_DL_Reset_Button_clicked();
-    m_doc->setModified(false);
-    setCurrentFile(QString());
-    m_notReadWholePath.clear();
-    m_notReadWholeReason.clear();
-    m_doc->setModified(false);
+    m_lifecycle->newConfiguration();
 }
 
 void Runplan::handleOpenAction()
 {
-    if (offerToSaveIfNeeded())
-        return;
-    const QString path = m_prompter->getOpenFileName(this, tr("Open Configuration"),
-                                                     RunplanSettings::lastDirPath(), projectFilter());
-    if (path.isEmpty())
-        return;
-    RunplanSettings::setLastDirPath(QFileInfo(path).absolutePath());
-    openProject(path);
+    m_lifecycle->chooseAndOpen();
 }
 
 bool Runplan::openProject(const QString& path)
 {
-    bool opened = false;
-    QString notReadWhole;
-    {
-        AnalysisHold hold(m_analysisSuspended);
-        InteractiveChangeOff off(this);
-        QApplication::setOverrideCursor(Qt::WaitCursor);
-        opened = ProjectFile::open(path, *m_doc, *this, m_reporter.get(), &notReadWhole);
-        QApplication::restoreOverrideCursor();
-    }
-    if (opened) {
-        ui->m_DL_Frame->showTopLeft();
-        // A failure reported for an earlier file no longer describes what is shown.
-        statusBar()->clearMessage();
-        m_notReadWholePath = notReadWhole.isEmpty() ? QString() : QFileInfo(path).absoluteFilePath();
-        m_notReadWholeReason = notReadWhole;
-        setCurrentFile(path);
-        m_doc->setModified(false);
-        runAnalysis();
-    }
-    return opened;
+    return m_lifecycle->open(path);
+}
+
+QString Runplan::notReadWholeReason() const
+{
+    return m_lifecycle->notReadWholeReason();
 }
 
 bool Runplan::saveProject(const QString& path)
 {
-    // A file read only in part is replaced only when the user says so.
-    const QString target = QFileInfo(ProjectFile::withExtension(path)).absoluteFilePath();
-    const bool overPartlyRead = !m_notReadWholePath.isEmpty() && target == m_notReadWholePath;
-    if (overPartlyRead && !m_prompter->askReplaceNotReadWhole(this, QFileInfo(target).fileName()))
-        return false;
-    QString saved;
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    const bool ok = ProjectFile::save(path, *m_doc, *this, m_reporter.get(), &saved);
-    QApplication::restoreOverrideCursor();
-    if (ok) {
-        if (overPartlyRead) {
-            m_notReadWholePath.clear();
-            m_notReadWholeReason.clear();
-        }
-        setCurrentFile(saved);
-    }
-    return ok;
+    return m_lifecycle->save(path);
 }
 
 void Runplan::handleSaveAction()
 {
-    if (!m_currentFile.isEmpty())
-        saveProject(m_currentFile);
-    else
-        handleSaveAsAction();
+    m_lifecycle->saveCurrent();
 }
 
 void Runplan::handleSaveAsAction()
 {
-    const QString proposed = QDir(RunplanSettings::lastDirPath()).filePath(tr("Untitled.rpproj"));
-    const QString extension = QStringLiteral(".rpproj");
-    for (;;) {
-        QString name = m_prompter->getSaveFileName(this, tr("Save Configuration"), proposed, projectFilter());
-        if (name.isEmpty())
-            return;
-        if (!name.endsWith(extension)) {
-            // The file dialog checked the name it was given, not this one.
-            name += extension;
-            if (QFileInfo::exists(name) && !m_prompter->askReplace(this, name))
-                continue;
-        }
-        RunplanSettings::setLastDirPath(QFileInfo(name).absolutePath());
-        saveProject(name);
-        return;
-    }
+    m_lifecycle->saveAs();
+}
+
+bool Runplan::offerRecovery()
+{
+    return m_lifecycle->offerRecovery();
 }
 
 void Runplan::handlePrintAction()
@@ -1106,6 +912,73 @@ void Runplan::handlePrintAction()
     if (m_prompter->execDialog(&dialog) != QDialog::Accepted)
         return;
     ui->m_DL_Frame->print(&printer);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Design report and bill of materials
+
+bool Runplan::writeReport(const QString& path, QString* error)
+{
+    DesignReport::Source source;
+    source.projectFile = currentFilePath();
+    source.date = QDate::currentDate();
+    const CircuitInputs inputs = circuitInputs();
+    const DesignReport::Content content =
+        DesignReport::build(source, inputs, m_lastResult, m_doc->root(), *m_db);
+    const QByteArray pdf =
+        ReportPdf::render(content, m_doc, &m_lastResult, ReportPdf::pageSizeFor(QLocale()));
+    return DesignReport::writeFile(path, pdf, error);
+}
+
+bool Runplan::writeBillOfMaterials(const QString& path, QString* error)
+{
+    return DesignReport::writeFile(path, DesignReport::bomCsv(DesignReport::billOfMaterials(m_doc->root())),
+                                   error);
+}
+
+// The proposed name: the project's, with the new suffix, beside it.
+static QString proposedExportName(const QString& projectFile, const QString& suffix)
+{
+    if (projectFile.isEmpty())
+        return QDir(RunplanSettings::lastDirPath()).filePath(QStringLiteral("untitled.") + suffix);
+    const QFileInfo info(projectFile);
+    return info.dir().filePath(info.completeBaseName() + QLatin1Char('.') + suffix);
+}
+
+void Runplan::handleExportReport()
+{
+    const QString path = m_prompter->getSaveFileName(
+        this, tr("Export Report"), proposedExportName(currentFilePath(), QStringLiteral("pdf")),
+        tr("PDF files (*.pdf)"));
+    if (path.isEmpty())
+        return;
+    QString error;
+    if (writeReport(path, &error))
+        showStatusLine(tr("Report written to %1").arg(path));
+    else
+        Reporter::global()->message(Reporter::Kind::Critical, tr("Export Error"),
+                                    tr("Cannot write %1:\n%2").arg(path, error));
+}
+
+void Runplan::handleExportBillOfMaterials()
+{
+    const QString path = m_prompter->getSaveFileName(
+        this, tr("Export Bill of Materials"), proposedExportName(currentFilePath(), QStringLiteral("csv")),
+        tr("CSV files (*.csv)"));
+    if (path.isEmpty())
+        return;
+    QString error;
+    if (writeBillOfMaterials(path, &error))
+        showStatusLine(tr("Bill of materials written to %1").arg(path));
+    else
+        Reporter::global()->message(Reporter::Kind::Critical, tr("Export Error"),
+                                    tr("Cannot write %1:\n%2").arg(path, error));
+}
+
+void Runplan::handleShowVoltages(bool on)
+{
+    QSettings().setValue(RunplanSettings::showVoltagesKey(), on);
+    ui->m_DL_Frame->setShowVoltages(on);
 }
 
 void Runplan::on_actionAbout_triggered()
@@ -1123,89 +996,6 @@ void Runplan::on_actionPreferences_triggered()
 }
 
 // =============================================================================================
-// HeaderChoices
-
-QString Runplan::supplyText() const
-{
-    return ui->m_DLSupply_Combo->currentText();
-}
-
-QString Runplan::fixtureText() const
-{
-    return ui->m_DLFixture_Combo->currentText();
-}
-
-QString Runplan::lineVoltageText() const
-{
-    return ui->m_DL_LineVoltage_Combo->currentText();
-}
-
-int Runplan::customLineVoltage() const
-{
-    return ui->m_DL_LineVoltage_Spin->value();
-}
-
-QString Runplan::maxCircuitLoadText() const
-{
-    return ui->m_DL_MaxLoad_Combo->currentText();
-}
-
-int Runplan::customMaxCircuitLoad() const
-{
-    return ui->m_DL_MaxLoad_Spin->value();
-}
-
-QString Runplan::frequencyText() const
-{
-    return ui->m_frequencyComboBox->currentText();
-}
-
-QString Runplan::controllerText() const
-{
-    return ui->m_DLController_Combo->currentText();
-}
-
-void Runplan::selectSupply(const QString& text)
-{
-    ui->m_DLSupply_Combo->setCurrentIndex(findExact(ui->m_DLSupply_Combo, text));
-}
-
-void Runplan::selectFixture(const QString& text)
-{
-    ui->m_DLFixture_Combo->setCurrentIndex(findExact(ui->m_DLFixture_Combo, text));
-}
-
-void Runplan::selectLineVoltage(const QString& text)
-{
-    ui->m_DL_LineVoltage_Combo->setCurrentIndex(findExact(ui->m_DL_LineVoltage_Combo, text));
-}
-
-void Runplan::setCustomLineVoltage(int volts)
-{
-    ui->m_DL_LineVoltage_Spin->setValue(volts);
-}
-
-void Runplan::selectMaxCircuitLoad(const QString& text)
-{
-    ui->m_DL_MaxLoad_Combo->setCurrentIndex(findExact(ui->m_DL_MaxLoad_Combo, text));
-}
-
-void Runplan::setCustomMaxCircuitLoad(int amps)
-{
-    ui->m_DL_MaxLoad_Spin->setValue(amps);
-}
-
-void Runplan::selectFrequency(const QString& text)
-{
-    ui->m_frequencyComboBox->setCurrentIndex(findExact(ui->m_frequencyComboBox, text));
-}
-
-void Runplan::selectController(const QString& text)
-{
-    ui->m_DLController_Combo->setCurrentIndex(findExact(ui->m_DLController_Combo, text));
-}
-
-// =============================================================================================
 // Window events
 
 void Runplan::closeEvent(QCloseEvent* event)
@@ -1217,7 +1007,8 @@ void Runplan::closeEvent(QCloseEvent* event)
     QSettings settings;
     settings.setValue(RunplanSettings::windowGeometryKey(), saveGeometry());
     settings.setValue(RunplanSettings::lineKeyActiveKey(), ui->actionLineColorKey->isChecked());
-    settings.sync();
+    RunplanSettings::finishWrite(settings);
+    m_autosave->discard();
     event->accept();
 }
 

@@ -9,6 +9,7 @@
 #include <QMainWindow>
 #include <QModelIndex>
 #include <QPointer>
+#include <QTextCursor>
 #include <memory>
 
 namespace Ui
@@ -16,6 +17,13 @@ namespace Ui
 class RunplanClass;
 }
 class AboutDialog;
+class BatchRunner;
+class DocumentLifecycle;
+class Autosave;
+class EditHistory;
+class GuiReporter;
+class ExportRunner;
+struct DocumentSnapshot;
 class CFrame;
 class ConfigDocument;
 class CWidgetTableView;
@@ -68,15 +76,21 @@ public:
     void setInteractiveChange(bool on) { m_interactiveChange = on; }
     bool isRunningBatchCommands() const { return m_runningBatchCommands; }
     void setRunningBatchCommands(bool on) { m_runningBatchCommands = on; }
-    bool isExportRunning() const { return m_exportRunning; }
+    bool isExportRunning() const;
 
     // The command-line step: applies the options in order through the selectors, opens the
     // project file given last and queues runCommands(). False when that project could not be read.
-    bool processCommandLine(const QStringList& arguments);
     bool processCommandLine(const CommandLineOptions& options);
 
+    // The undo history of the configuration and the autosave of its unsaved changes.
+    EditHistory* history() const { return m_history; }
+    Autosave* autosave() const { return m_autosave; }
+    // Interactive start-up: offers the unsaved changes a run that did not exit cleanly left
+    // behind. True when they were recovered.
+    bool offerRecovery();
+
     // Document commands
-    QString currentFilePath() const { return m_currentFile; }
+    QString currentFilePath() const;
     QString displayName() const;
     void setCurrentFile(const QString& path);
     // Asks to save unsaved changes; true when the user cancelled.
@@ -85,7 +99,7 @@ public:
     // Asks first when the path is that of a project read only in part; false when not saved.
     bool saveProject(const QString& path);
     // Where and why the project last opened broke off; empty when it was read whole.
-    QString notReadWholeReason() const { return m_notReadWholeReason; }
+    QString notReadWholeReason() const;
 
     // Selectors
     DLPowerSupply* currentSupplyRecord() const;
@@ -101,10 +115,15 @@ public:
     void selectSupplyRecord(const DLPowerSupply* record);
 
     const AnalysisResult& lastResult() const { return m_lastResult; }
+
+    // The design report (PDF) and the bill of materials (CSV) of the configuration as analysed
+    // last, each written through a temporary file. False with the reason in error.
+    bool writeReport(const QString& path, QString* error);
+    bool writeBillOfMaterials(const QString& path, QString* error);
     double zoomFactor() const { return m_zoomFactor; }
     void showStatusLine(const QString& text);
 
-    // Reset button: a new enabler on an empty canvas.
+    // Reset button (it has no widget of its own in the form): see resetCanvas().
     void on_m_DL_Reset_Button_clicked();
     void on_m_DL_Delete_Button_clicked();
 
@@ -137,6 +156,11 @@ public:
     double totalLength() const override;
     const VxFixture* currentFixture() const override;
     bool progress(int percent) override;
+
+private slots:
+    void handleExportReport();
+    void handleExportBillOfMaterials();
+    void handleShowVoltages(bool on);
 
 signals:
     void zoomLevelChanged(double factor);
@@ -190,9 +214,14 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    class WindowReporter;
+    friend class BatchRunner;
+    friend class DocumentLifecycle;
     // Runs the analysis now, whatever suspends the automatic one.
     void runAnalysis();
+    // A new enabler, the selected one, on an empty canvas (the Reset button, enabler and fixture
+    // changes that clear, New, the exports' fresh start).
+    void resetCanvas();
+    void logResult(const AnalysisResult& result);
     void rebuildVoltageList(const DLFixture* fixture);
     void updateAddButtons(const QModelIndex& index);
     void setFieldColor(QLineEdit* edit, const QColor& color);
@@ -200,30 +229,39 @@ private:
     void chooseDefaultLineVoltage();
     // The two CSV exports; all: every fixture of the two listed enablers, else the chosen one.
     void runExport(bool all);
+    // The file an export writes: asked for at the desktop, the command line's (or the default)
+    // when unattended; empty to export nothing.
+    QString exportFileName();
     void finishBatch(int exitCode);
-    void setWindowTitleFor(const QString& path);
+    // Puts a state of the undo history back and analyses it as any change.
+    void restoreState(const DocumentSnapshot& state);
+    void setUpUndoActions();
+    // Construction steps.
+    void setUpForm();
+    void chooseInitialInputs();
+    void connectViews();
+    void setUpActionTips();
+    void restoreWindowState();
+    // Unattended: the window is never shown, so its display is no longer kept up.
+    void holdDisplay();
 
     Ui::RunplanClass* ui;
     const Database* m_db = nullptr;
     ConfigDocument* m_doc = nullptr;
+    EditHistory* m_history = nullptr;
+    Autosave* m_autosave = nullptr;
     std::unique_ptr<Prompter> m_defaultPrompter;
     Prompter* m_prompter = nullptr;
-    std::unique_ptr<WindowReporter> m_reporter;
+    std::unique_ptr<GuiReporter> m_reporter;
+    std::unique_ptr<DocumentLifecycle> m_lifecycle;
+    std::unique_ptr<BatchRunner> m_batch;
     QPointer<AboutDialog> m_aboutDialog;
-    QPointer<LoadingDialog> m_progressDialog;
+    ExportRunner* m_exportRunner = nullptr;
 
-    QString m_currentFile;
-    // The project opened last when it broke off before its end (absolute path), and why.
-    QString m_notReadWholePath;
-    QString m_notReadWholeReason;
     bool m_interactiveChange = true;
     bool m_runningBatchCommands = false;
-    bool m_exportRunning = false;
-    bool m_maximizeAllRequested = false;
-    bool m_maximizeFixtureRequested = false;
-    QString m_exportFileName;
-    QString m_maximizeAllFileName;
-    QString m_maximizeFixtureFileName;
+    bool m_displayHeld = false;
+    QTextCursor m_heldLogEdit;
     double m_zoomFactor = 1.0;
     AnalysisResult m_lastResult;
 

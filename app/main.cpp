@@ -27,16 +27,17 @@ void writeErr(const QString& text)
 }
 
 // The analysis of a project as plain text: every line the analysis writes to the output log, in
-// order. 0 when it passes every check, 2 when it fails one, 1 when it could not be made (also
-// for a project that was not read whole).
-int printReport(const Runplan& window, bool opened, const QString& projectFile)
+// order, and the design report and bill of materials asked for. 0 when it passes every check, 2
+// when it fails one (the files are written), 1 when it could not be made (also for a project
+// that was not read whole) or a file could not be written.
+int printReport(Runplan& window, bool opened, const CommandLineOptions& options)
 {
     if (!window.catalog()->isValid()) {
         writeErr(QStringLiteral("Runplan: the catalog %1 is not valid; no report.\n")
                      .arg(window.catalog()->path()));
         return 1;
     }
-    if (projectFile.isEmpty()) {
+    if (options.projectFile.isEmpty()) {
         writeErr(QStringLiteral("Runplan: --report needs -nw and a project file.\n"));
         return 1;
     }
@@ -46,22 +47,46 @@ int printReport(const Runplan& window, bool opened, const QString& projectFile)
     // A report of part of a project would pass or fail a plan nobody drew.
     if (!window.notReadWholeReason().isEmpty()) {
         writeErr(QStringLiteral("Runplan: %1 was not read completely: it breaks off at %2.\n")
-                     .arg(projectFile, window.notReadWholeReason()));
+                     .arg(options.projectFile, window.notReadWholeReason()));
         return 1;
     }
     const AnalysisResult& result = window.lastResult();
-    for (const auto& line : result.logLines())
-        writeOut(line.first + QLatin1Char('\n'));
+    if (options.report)
+        for (const auto& line : result.logLines())
+            writeOut(line.first + QLatin1Char('\n'));
+    QString error;
+    if (!options.exportReportFile.isEmpty() && !window.writeReport(options.exportReportFile, &error)) {
+        writeErr(
+            QStringLiteral("Runplan: cannot write the report %1: %2\n").arg(options.exportReportFile, error));
+        return 1;
+    }
+    if (!options.exportBomFile.isEmpty() && !window.writeBillOfMaterials(options.exportBomFile, &error)) {
+        writeErr(QStringLiteral("Runplan: cannot write the bill of materials %1: %2\n")
+                     .arg(options.exportBomFile, error));
+        return 1;
+    }
     return result.pass ? 0 : 2;
 }
 } // namespace
 
 int main(int argc, char* argv[])
 {
-    QStringList rawArguments;
-    for (int i = 1; i < argc; ++i)
-        rawArguments.append(QString::fromLocal8Bit(argv[i]));
-    const CommandLineOptions options = parseCommandLine(rawArguments);
+    // Without any screen the program draws off screen; a run that wants the window then ends with
+    // a message below instead of failing to start.
+    const bool noScreen = qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
+                          qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+    if (noScreen)
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QT_WARNING_POP
+    QApplication app(argc, argv);
+
+    // The command line is read once, here, after Qt has taken out its own options ("-platform",
+    // "-style", ...): "runplan -platform offscreen -nw ..." is as unattended as "runplan -nw ...".
+    const CommandLineOptions options = parseCommandLine(QCoreApplication::arguments().mid(1));
 
     // Answered before any window exists.
     if (options.help) {
@@ -72,20 +97,15 @@ int main(int argc, char* argv[])
         writeOut(versionText());
         return 0;
     }
-    if (options.report && !options.unattended) {
+    if ((options.report || options.requestsDesignExport()) && !options.unattended) {
         writeErr(QStringLiteral("Runplan: --report needs -nw and a project file.\n"));
         return 1;
     }
-    // An unattended run needs no screen: without one it draws off screen.
-    if (options.unattended && qEnvironmentVariableIsEmpty("DISPLAY") &&
-        qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED
-    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    QT_WARNING_POP
-    QApplication app(argc, argv);
+    if (noScreen && !options.unattended) {
+        writeErr(QStringLiteral("Runplan: there is no display to show the window on; "
+                                "use -nw for an unattended run.\n"));
+        return 1;
+    }
 
     QFont font = QApplication::font();
     font.setPointSizeF(8.5);
@@ -109,9 +129,9 @@ int main(int argc, char* argv[])
     Runplan window;
     QCoreApplication::processEvents();
 
-    const bool opened = window.processCommandLine(QCoreApplication::arguments());
-    if (options.report) {
-        const int status = printReport(window, opened, options.projectFile);
+    const bool opened = window.processCommandLine(options);
+    if (options.report || options.requestsDesignExport()) {
+        const int status = printReport(window, opened, options);
         Reporter::setGlobal(nullptr);
         return status;
     }
@@ -126,6 +146,9 @@ int main(int argc, char* argv[])
     }
 
     window.show();
+    // Only a person can answer whether to recover what a crashed run left behind.
+    if (!options.unattended)
+        window.offerRecovery();
     int status = app.exec();
     Reporter::setGlobal(nullptr);
     // A script must learn that the run had no catalog to work with; the message is already on stderr.

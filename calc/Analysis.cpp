@@ -5,6 +5,8 @@
 #include "model/ConfigDocument.h"
 #include "model/HeaderChoices.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -63,35 +65,71 @@ struct Node {
     double powerFactor = 1.0;
     const QString* mode = nullptr;     // the effective output mode, by the component's own rule
     const QString* location = nullptr; // the location text, likewise (both held by the tree)
-    bool modeFeedwise = false;     // the effective output mode is "Feedwise"
-    bool locationFeedwise = false; // the location text is "Feedwise"
+    bool modeFeedwise = false;         // the effective output mode is "Feedwise"
+    bool locationFeedwise = false;     // the location text is "Feedwise"
 };
 
-struct RunLimits {
-    double maxLength = 100000.0;
-    double maxVoltageDrop = 100.0;
-    double maxShare = 100.0;
-    double maxPower = 10000.0;
-    double maxCurrent = 1000.0;
-    double minVoltage = 0.0;
-    int outputMode = 0;
-
-    void narrow(const FixtureType& t)
-    {
-        const DLFixture* r = t.record;
-        if (r->maxFixtureLength != 0.0)
-            maxLength = std::min(maxLength, r->maxFixtureLength);
-        maxVoltageDrop = std::min(maxVoltageDrop, r->maxVoltageDrop);
-        if (r->voltageDropPercent != 0.0)
-            maxShare = std::min(maxShare, r->voltageDropPercent);
-        if (r->maxPower != 0.0)
-            maxPower = std::min(maxPower, r->maxPower);
-        if (t.maxCurrent != 0.0)
-            maxCurrent = std::min(maxCurrent, t.maxCurrent);
-        if (r->minVoltage != 0.0)
-            minVoltage = std::max(minVoltage, r->minVoltage);
-        outputMode = std::max(outputMode, r->safetyRequired);
+// Narrows the run's limits by one fixture type of the run.
+void narrowLimits(RunLimitValues& limits, const FixtureType& t)
+{
+    const DLFixture* r = t.record;
+    if (r->maxFixtureLength != 0.0) {
+        limits.maxLength = std::min(limits.maxLength, r->maxFixtureLength);
+        limits.applied |= 1u << LimitLength;
     }
+    limits.maxVoltageDrop = std::min(limits.maxVoltageDrop, r->maxVoltageDrop);
+    limits.applied |= 1u << LimitVoltageDrop;
+    if (r->voltageDropPercent != 0.0) {
+        limits.maxShare = std::min(limits.maxShare, r->voltageDropPercent);
+        limits.applied |= 1u << LimitDropShare;
+    }
+    if (r->maxPower != 0.0) {
+        limits.maxPower = std::min(limits.maxPower, r->maxPower);
+        limits.applied |= 1u << LimitPower;
+    }
+    if (t.maxCurrent != 0.0) {
+        limits.maxCurrent = std::min(limits.maxCurrent, t.maxCurrent);
+        limits.applied |= 1u << LimitCurrent;
+    }
+    if (r->minVoltage != 0.0) {
+        limits.minVoltage = std::max(limits.minVoltage, r->minVoltage);
+        limits.applied |= 1u << LimitMinimumVoltage;
+    }
+    limits.outputMode = std::max(limits.outputMode, r->safetyRequired);
+}
+
+// What a component hands the run: its available voltage and wiring factor (the output-mode table
+// for fixtures), its own power, power factor and fudge factor.
+struct Contribution {
+    double available = 0.0;
+    double k = 1.0;
+    double fudge = 1.0;
+    double power = 0.0;
+    double powerFactor = 1.0;
+};
+
+// One walk from an end component up to the enabler: the accumulators carried up the run.
+struct RunWalk {
+    double voltage = 0.0; // available voltage carried up the run
+    double drop = 0.0;
+    double length = 0.0;
+    double current = 0.0;
+    double resistance = 0.0;
+    double power = 0.0;
+    int fixtures = 0;
+    int limitReceiver = -1; // the first receiver met
+    int last = -1;          // the component the walk ended at
+    RunLimitValues limits;
+};
+
+// The run's accumulators at one component of the walk, for the figures at that component.
+struct PathStep {
+    int node = 0;
+    double dropBelow = 0.0; // the drop of the components below it
+    double power = 0.0;
+    double current = 0.0;
+    double length = 0.0;
+    int fixtures = 0;
 };
 
 class Analyzer
@@ -109,6 +147,20 @@ private:
     int typeOf(const CWidget* fixture);
     int maxCountAt(FixtureType& t, int runVoltage) const;
     void walkRun(int leaf);
+    Contribution fixtureContribution(const Node& n, RunWalk& w);
+    double addToRun(RunWalk& w, const Node& n, const Contribution& c);
+    void countOnce(int i, const Node& n, double ownPower, double term);
+    bool endsRun(const Node& n) const;
+    void runLengthRule(int leaf, const RunWalk& w, RunFigures& run);
+    void fixtureCountRule(RunFigures& run) const;
+    void lengthRule(RunFigures& run) const;
+    void voltageDropRule(RunFigures& run) const;
+    void dropShareRule(RunFigures& run) const;
+    void powerRule(RunFigures& run) const;
+    void currentRule(RunFigures& run) const;
+    void minimumVoltageRule(RunFigures& run) const;
+    void checkRun(RunFigures& run);
+    void recordFigures(const RunWalk& w, int runIndex);
     int weightedMaximum(int fixtures, int runVoltage);
     void subtreeFigures();
     void circuitChecks();
@@ -123,6 +175,8 @@ private:
     std::vector<FixtureType> m_types;
     std::vector<char> m_counted;
     std::vector<int> m_touched;
+    std::vector<PathStep> m_path;         // the run being walked, for the component figures
+    ComponentRecord* m_records = nullptr; // the worst run through each component so far
     std::vector<int> m_tooLongEnds;       // node of each too-long run's end
     std::vector<int> m_feedwiseReceivers; // node of each entry of the receiver lengths
     const VxItem* m_lastFixtureItem = nullptr;
@@ -296,175 +350,337 @@ int Analyzer::weightedMaximum(int fixtures, int runVoltage)
     return truncToInt(static_cast<double>(sum));
 }
 
-void Analyzer::walkRun(int leaf)
+// The fixture row of the output-mode table: the available voltage and wiring factor its mode
+// selects, and the power factor looked up at that voltage.
+Contribution Analyzer::fixtureContribution(const Node& n, RunWalk& w)
 {
-    const double lineVoltage = m_in.lineVoltage;
-    double voltage = lineVoltage; // available voltage carried up the run
-    double drop = 0.0;
-    double length = 0.0;
-    double current = 0.0;
-    double resistance = 0.0;
-    double power = 0.0;
-    int fixtures = 0;
-    int limitReceiver = -1;
-    int last = leaf;
-    RunLimits limits;
-    m_touched.clear();
-
-    for (int i = leaf; i >= 0;) {
-        const Node& n = m_nodes[static_cast<size_t>(i)];
-        double available = voltage;
-        double k = 1.0;
-        double fudge = 1.0;
-        double ownPower = n.power;
-        double powerFactor = n.powerFactor;
-
-        if (n.kind == ItemFixture) {
-            ++fixtures;
-            if (n.type >= 0) {
-                FixtureType& t = m_types[static_cast<size_t>(n.type)];
-                const DLFixture* rec = t.record;
-                switch (rec->safetyRequired) {
-                case 1:
-                    available = voltage - drop - 10.0;
-                    k = 2.2;
-                    break;
-                case 2:
-                case 4:
-                    available = (voltage - drop) * 0.9;
-                    k = 2.0;
-                    break;
-                case 3:
-                    available = voltage - 10.0;
-                    k = 1.414213562373095;
-                    break;
-                default:
-                    break;
-                }
-                const int key = truncToInt(available);
-                if (key != t.powerFactorKey) {
-                    const double pf =
-                        VoltageLookup::nearest(rec->powerFactorByVoltage, key, rec->powerFactor);
-                    t.powerFactorKey = key;
-                    t.powerFactor = pf == 0.0 ? rec->powerFactor : pf;
-                }
-                powerFactor = t.powerFactor;
-                fudge = rec->fudgeFactor;
-                ownPower = t.power;
-                limits.narrow(t);
-                if (t.runCount++ == 0)
-                    m_touched.push_back(n.type);
-            }
-        } else if (n.kind == ItemReceiver && limitReceiver < 0) {
-            limitReceiver = i;
-        }
-
-        length += n.length;
-        power += ownPower;
-        const bool powered = available > 0.0 && powerFactor > 0.0;
-        if (powered)
-            drop += power / (available * powerFactor) * k * n.resistance * fudge;
-        if (power != 0.0)
-            resistance += n.resistance;
-        double term = 0.0;
-        if (ownPower != 0.0 && powered) {
-            term = ownPower / available / powerFactor;
-            current += term;
-        }
-        voltage = available;
-
-        // Circuit totals take every component once, from the first run that reaches it; supplies
-        // below the root are added separately.
-        if (!m_counted[static_cast<size_t>(i)]) {
-            m_counted[static_cast<size_t>(i)] = 1;
-            m_r.totalLength += n.length;
-            if (n.kind != ItemSupply) {
-                m_r.totalPower += ownPower;
-                m_r.totalCurrent += term;
-            }
-        }
-
-        last = i;
-        const bool onBranchWire =
-            n.parent >= 0 && m_nodes[static_cast<size_t>(n.parent)].kind == ItemBranchWire;
-        if (n.kind == ItemSupply && !onBranchWire)
-            break;
-        i = n.parent;
+    Contribution c;
+    c.available = w.voltage;
+    c.power = n.power;
+    c.powerFactor = n.powerFactor;
+    ++w.fixtures;
+    if (n.type < 0)
+        return c;
+    FixtureType& t = m_types[static_cast<size_t>(n.type)];
+    const DLFixture* rec = t.record;
+    switch (rec->safetyRequired) {
+    case 1:
+        c.available = w.voltage - w.drop - 10.0;
+        c.k = 2.2;
+        break;
+    case 2:
+    case 4:
+        c.available = (w.voltage - w.drop) * 0.9;
+        c.k = 2.0;
+        break;
+    case 3:
+        c.available = w.voltage - 10.0;
+        c.k = 1.414213562373095;
+        break;
+    default:
+        break;
     }
+    const int key = truncToInt(c.available);
+    if (key != t.powerFactorKey) {
+        const double pf = VoltageLookup::nearest(rec->powerFactorByVoltage, key, rec->powerFactor);
+        t.powerFactorKey = key;
+        t.powerFactor = pf == 0.0 ? rec->powerFactor : pf;
+    }
+    c.powerFactor = t.powerFactor;
+    c.fudge = rec->fudgeFactor;
+    c.power = t.power;
+    narrowLimits(w.limits, t);
+    if (t.runCount++ == 0)
+        m_touched.push_back(n.type);
+    return c;
+}
 
-    RunFigures run;
-    run.end = m_nodes[static_cast<size_t>(leaf)].widget;
-    run.fixtures = fixtures;
-    run.length = length;
-    run.power = power;
-    run.current = current;
-    run.voltageDrop = drop;
-    run.resistance = resistance;
-    run.runVoltage = truncToInt(voltage);
-    run.maxFixtures = weightedMaximum(fixtures, run.runVoltage);
-    for (int index : m_touched)
-        m_types[static_cast<size_t>(index)].runCount = 0;
+// Adds a component's contribution to the run: power first, then the drop over its resistance at
+// the power carried so far, then its own current. Returns its own current term.
+double Analyzer::addToRun(RunWalk& w, const Node& n, const Contribution& c)
+{
+    w.length += n.length;
+    w.power += c.power;
+    const bool powered = c.available > 0.0 && c.powerFactor > 0.0;
+    if (powered)
+        w.drop += w.power / (c.available * c.powerFactor) * c.k * n.resistance * c.fudge;
+    if (w.power != 0.0)
+        w.resistance += n.resistance;
+    double term = 0.0;
+    if (c.power != 0.0 && powered) {
+        term = c.power / c.available / c.powerFactor;
+        w.current += term;
+    }
+    w.voltage = c.available;
+    return term;
+}
 
-    m_r.totalVoltageDrop = std::max(m_r.totalVoltageDrop, drop);
-    m_r.totalResistance = std::max(m_r.totalResistance, resistance);
+// Circuit totals take every component once, from the first run that reaches it; supplies below the
+// root are added separately.
+void Analyzer::countOnce(int i, const Node& n, double ownPower, double term)
+{
+    if (m_counted[static_cast<size_t>(i)])
+        return;
+    m_counted[static_cast<size_t>(i)] = 1;
+    m_r.totalLength += n.length;
+    if (n.kind != ItemSupply) {
+        m_r.totalPower += ownPower;
+        m_r.totalCurrent += term;
+    }
+}
 
-    // The run's length limit: the first receiver met, else the enabler.
+// A run ends at the first supply that does not hang on a branch wire (the enabler).
+bool Analyzer::endsRun(const Node& n) const
+{
+    const bool onBranchWire = n.parent >= 0 && m_nodes[static_cast<size_t>(n.parent)].kind == ItemBranchWire;
+    return n.kind == ItemSupply && !onBranchWire;
+}
+
+// The run's length limit: the first receiver met, else the enabler. A run longer than it enters the
+// too-long table and flags the limit's holder, unless the selected fixture is of family 1.
+void Analyzer::runLengthRule(int leaf, const RunWalk& w, RunFigures& run)
+{
     const CWidget* limitHolder = nullptr;
     bool hasLimit = false;
     double limit = 0.0;
-    if (limitReceiver >= 0) {
-        const Node& rn = m_nodes[static_cast<size_t>(limitReceiver)];
+    if (w.limitReceiver >= 0) {
+        const Node& rn = m_nodes[static_cast<size_t>(w.limitReceiver)];
         limitHolder = rn.widget;
         if (const DLReceiver* rec = static_cast<const ReceiverWidget*>(rn.widget)->record()) {
             limit = rec->maxElectricalLengthPerRun;
             hasLimit = true;
         }
     } else if (m_enablerRecord) {
-        limitHolder = m_nodes[static_cast<size_t>(last)].widget;
+        limitHolder = m_nodes[static_cast<size_t>(w.last)].widget;
         limit = m_enablerRecord->maxElectricalLengthPerRun;
         hasLimit = true;
     }
-    if (hasLimit && length > limit && m_selectedFamily != 1) {
-        m_r.tooLong.append({run.end, length});
+    if (!hasLimit || m_selectedFamily == 1)
+        return;
+    run.limits.runLength = limit;
+    run.limits.applied |= 1u << LimitRunLength;
+    if (w.length > limit) {
+        run.tooLong = true;
+        m_r.tooLong.append({run.end, w.length});
         m_tooLongEnds.push_back(leaf);
         m_r.flagged.insert(limitHolder);
     }
+}
 
-    QString text;
-    if (run.maxFixtures >= 1 && fixtures > run.maxFixtures)
-        text +=
-            QStringLiteral("\nFixture count in current run (%1) exceeded the fixture type's maximum (%2).")
-                .arg(fixtures)
+void Analyzer::fixtureCountRule(RunFigures& run) const
+{
+    if (run.maxFixtures >= 1 && run.fixtures > run.maxFixtures)
+        run.messages +=
+            QCoreApplication::translate(
+                "Analysis", "\nFixture count in current run (%1) exceeded the fixture type's maximum (%2).")
+                .arg(run.fixtures)
                 .arg(run.maxFixtures);
-    if (length > limits.maxLength)
-        text += QStringLiteral("\nTotal length exceeds the fixture type's maximum of %1 ft.")
-                    .arg(formatNumber(limits.maxLength));
-    if (limits.maxVoltageDrop > 0.0 && drop > limits.maxVoltageDrop)
-        text += QStringLiteral("\nTotal voltage drop exceeded the fixture type's maximum of %1 volts.")
-                    .arg(formatNumber(limits.maxVoltageDrop));
-    // The share is a fraction of the line voltage.
-    if (limits.maxShare > 0.0 && limits.maxShare < 100.0 && drop > lineVoltage * limits.maxShare)
-        text += QStringLiteral("\nVoltage dropped exceeded the fixture type's maximum percentage of %1.")
-                    .arg(formatNumber(limits.maxShare));
-    if (power > limits.maxPower)
-        text += QStringLiteral("\nTotal power exceeded the fixture type's maximum of %1 watts.")
-                    .arg(formatNumber(limits.maxPower));
-    if (current > limits.maxCurrent)
-        text += QStringLiteral("\nTotal current exceeded  the fixture type's maximum of %1 amps.")
-                    .arg(formatNumber(limits.maxCurrent));
-    if (limits.minVoltage != 0.0) {
-        const double reference = limits.outputMode == 4 ? lineVoltage : static_cast<double>(run.runVoltage);
-        if (limits.minVoltage > reference - drop)
-            text += QStringLiteral("\nVoltage dropped below the fixture type's minimum of %1 volts.")
-                        .arg(formatNumber(limits.minVoltage));
-    }
-    if (!text.isEmpty()) {
+}
+
+void Analyzer::lengthRule(RunFigures& run) const
+{
+    if (run.length > run.limits.maxLength)
+        run.messages += QCoreApplication::translate(
+                            "Analysis", "\nTotal length exceeds the fixture type's maximum of %1 ft.")
+                            .arg(formatNumber(run.limits.maxLength));
+}
+
+// A maximum drop of 0 switches the check off.
+void Analyzer::voltageDropRule(RunFigures& run) const
+{
+    if (run.limits.maxVoltageDrop > 0.0 && run.voltageDrop > run.limits.maxVoltageDrop)
+        run.messages +=
+            QCoreApplication::translate(
+                "Analysis", "\nTotal voltage drop exceeded the fixture type's maximum of %1 volts.")
+                .arg(formatNumber(run.limits.maxVoltageDrop));
+}
+
+// The share is a fraction of the line voltage.
+void Analyzer::dropShareRule(RunFigures& run) const
+{
+    const double share = run.limits.maxShare;
+    if (share > 0.0 && share < 100.0 && run.voltageDrop > m_in.lineVoltage * share)
+        run.messages +=
+            QCoreApplication::translate(
+                "Analysis", "\nVoltage dropped exceeded the fixture type's maximum percentage of %1.")
+                .arg(formatNumber(share));
+}
+
+void Analyzer::powerRule(RunFigures& run) const
+{
+    if (run.power > run.limits.maxPower)
+        run.messages += QCoreApplication::translate(
+                            "Analysis", "\nTotal power exceeded the fixture type's maximum of %1 watts.")
+                            .arg(formatNumber(run.limits.maxPower));
+}
+
+void Analyzer::currentRule(RunFigures& run) const
+{
+    if (run.current > run.limits.maxCurrent)
+        run.messages += QCoreApplication::translate(
+                            "Analysis", "\nTotal current exceeded  the fixture type's maximum of %1 amps.")
+                            .arg(formatNumber(run.limits.maxCurrent));
+}
+
+// Measured from the line voltage when the run's output mode is 4, else from the run voltage.
+void Analyzer::minimumVoltageRule(RunFigures& run) const
+{
+    if (run.limits.minVoltage == 0.0)
+        return;
+    const double reference =
+        run.limits.outputMode == 4 ? m_in.lineVoltage : static_cast<double>(run.runVoltage);
+    if (run.limits.minVoltage > reference - run.voltageDrop)
+        run.messages += QCoreApplication::translate(
+                            "Analysis", "\nVoltage dropped below the fixture type's minimum of %1 volts.")
+                            .arg(formatNumber(run.limits.minVoltage));
+}
+
+// The per-run checks in their report order; each appends its text to the run's when it fails.
+void Analyzer::checkRun(RunFigures& run)
+{
+    fixtureCountRule(run);
+    lengthRule(run);
+    voltageDropRule(run);
+    dropShareRule(run);
+    powerRule(run);
+    currentRule(run);
+    minimumVoltageRule(run);
+    if (!run.messages.isEmpty()) {
         run.faulty = true;
         m_r.pass = false;
     }
-    if (text.size() > 1)
-        m_r.runMessages.append(text);
-    m_r.runs.append(run);
+    if (run.messages.size() > 1)
+        m_r.runMessages.append(run.messages);
+}
+
+// Keeps, for every component of the run just walked, this run's figures there when its drop from
+// the enabler to the component is the largest so far; between equal drops (the enabler, a box
+// before its first cable) the run with the larger whole drop is the worse.
+void Analyzer::recordFigures(const RunWalk& w, int runIndex)
+{
+    for (const PathStep& step : m_path) {
+        ComponentRecord& f = m_records[step.node];
+        ++f.runCount;
+        const double drop = w.drop - step.dropBelow;
+        if (f.run < 0 || drop > f.drop || (drop == f.drop && w.drop > f.runDrop)) {
+            f.run = runIndex;
+            f.drop = drop;
+            f.runDrop = w.drop;
+            f.current = step.current;
+            f.power = step.power;
+            f.length = step.length;
+            f.fixtures = step.fixtures;
+        }
+    }
+}
+
+void Analyzer::walkRun(int leaf)
+{
+    RunWalk w;
+    w.voltage = m_in.lineVoltage;
+    w.last = leaf;
+    m_touched.clear();
+    m_path.clear();
+
+    for (int i = leaf; i >= 0;) {
+        const Node& n = m_nodes[static_cast<size_t>(i)];
+        Contribution c;
+        if (n.kind == ItemFixture) {
+            c = fixtureContribution(n, w);
+        } else {
+            c.available = w.voltage;
+            c.power = n.power;
+            c.powerFactor = n.powerFactor;
+            if (n.kind == ItemReceiver && w.limitReceiver < 0)
+                w.limitReceiver = i;
+        }
+        const double dropBelow = w.drop;
+        countOnce(i, n, c.power, addToRun(w, n, c));
+        if (m_in.componentFigures)
+            m_path.push_back({i, dropBelow, w.power, w.current, w.length, w.fixtures});
+        w.last = i;
+        if (endsRun(n))
+            break;
+        i = n.parent;
+    }
+
+    RunFigures run;
+    run.end = m_nodes[static_cast<size_t>(leaf)].widget;
+    run.fixtures = w.fixtures;
+    run.length = w.length;
+    run.power = w.power;
+    run.current = w.current;
+    run.voltageDrop = w.drop;
+    run.resistance = w.resistance;
+    run.runVoltage = truncToInt(w.voltage);
+    run.maxFixtures = weightedMaximum(w.fixtures, run.runVoltage);
+    for (int index : m_touched)
+        m_types[static_cast<size_t>(index)].runCount = 0;
+    run.limits = w.limits;
+    run.limits.maxFixtures = run.maxFixtures;
+    if (run.maxFixtures >= 1)
+        run.limits.applied |= 1u << LimitFixtureCount;
+    if (!(run.limits.maxVoltageDrop > 0.0))
+        run.limits.applied &= ~(1u << LimitVoltageDrop);
+    if (!(run.limits.maxShare > 0.0 && run.limits.maxShare < 100.0))
+        run.limits.applied &= ~(1u << LimitDropShare);
+
+    m_r.totalVoltageDrop = std::max(m_r.totalVoltageDrop, w.drop);
+    m_r.totalResistance = std::max(m_r.totalResistance, w.resistance);
+
+    runLengthRule(leaf, w, run);
+    checkRun(run);
+    if (m_in.componentFigures)
+        recordFigures(w, static_cast<int>(m_r.runs.size()));
+    m_r.runs.append(std::move(run));
+}
+
+// The limits one run applies, each with its factor: a figure times the factor is the share of
+// the limit it takes. For the minimum voltage the share is of the margin between the line voltage
+// and the minimum: the drop down to the component against the drop that would reach the minimum.
+struct AppliedLimits {
+    int count = 0;
+    RunLimitKind kind[RunLimitKinds];
+    double limit[RunLimitKinds];
+    double factor[RunLimitKinds];
+};
+
+AppliedLimits appliedLimits(const RunLimitValues& limits, double lineVoltage)
+{
+    AppliedLimits a;
+    for (int k = 0; k < RunLimitKinds; ++k) {
+        const auto kind = static_cast<RunLimitKind>(k);
+        if (!limits.applies(kind))
+            continue;
+        const double limit = limits.value(kind, lineVoltage);
+        a.kind[a.count] = kind;
+        a.limit[a.count] = limit;
+        const double scale = kind == LimitMinimumVoltage ? lineVoltage - limit : limit;
+        a.factor[a.count] = scale > 0.0 ? 1.0 / scale : HUGE_VAL;
+        ++a.count;
+    }
+    return a;
+}
+
+// The component's figure that a limit is compared with.
+double figureFor(RunLimitKind kind, const ComponentFigures& c)
+{
+    switch (kind) {
+    case LimitFixtureCount:
+        return c.fixtures;
+    case LimitLength:
+    case LimitRunLength:
+        return c.length;
+    case LimitVoltageDrop:
+    case LimitDropShare:
+        return c.drop;
+    case LimitPower:
+        return c.power;
+    case LimitCurrent:
+        return c.current;
+    default:
+        return c.voltage;
+    }
 }
 
 // Lengths and Feedwise figures of every subtree, children before parents.
@@ -485,7 +701,7 @@ void Analyzer::subtreeFigures()
             if (found != locations.constEnd())
                 load = n.length * found.value();
             else
-                load = n.length / (location == Modes::aboveGround() ? 427.0 : 294.0);
+                load = n.length / Modes::feedwiseMaxLength(location);
             loads[i] = load;
             m_r.feedwiseLength += n.length;
             m_r.feedwiseLoad += load;
@@ -520,13 +736,15 @@ void Analyzer::circuitChecks()
     const DLPowerSupply* enabler = m_in.enabler;
 
     if (m_r.totalCurrent > derated)
-        m_messages += QStringLiteral("\nTotal current of %1 amps exceeded the maximum load of %2.")
+        m_messages += QCoreApplication::translate(
+                          "Analysis", "\nTotal current of %1 amps exceeded the maximum load of %2.")
                           .arg(formatNumber(m_r.totalCurrent), formatNumber(derated));
 
     if (enabler && enabler->hasOutputMode(kFeedwise)) {
         const int maximum = m_db.controllers().value(m_in.controller, 0);
         if (m_r.receiverCount > maximum)
-            m_messages += QStringLiteral("\nReceiver count (%1) exceeded this controller's maximum (%2).")
+            m_messages += QCoreApplication::translate(
+                              "Analysis", "\nReceiver count (%1) exceeded this controller's maximum (%2).")
                               .arg(m_r.receiverCount)
                               .arg(maximum);
     }
@@ -558,7 +776,8 @@ void Analyzer::circuitChecks()
             const int below = fixturesBefore[end] - fixturesBefore[i];
             if (below > rec->maxNumFixtures)
                 m_messages +=
-                    QStringLiteral(
+                    QCoreApplication::translate(
+                        "Analysis",
                         "\nDynaline run ending at fixture %1 exceeds its enabler's maximum fixture count.")
                         .arg(fixturesBefore[end]);
         }
@@ -569,7 +788,8 @@ void Analyzer::circuitChecks()
                 const double length = m_r.receiverLengths.at(e).second;
                 if (length > maximum)
                     m_messages +=
-                        QStringLiteral("\nDynaline length from Feedwise Receiver #%1 = %2")
+                        QCoreApplication::translate("Analysis",
+                                                    "\nDynaline length from Feedwise Receiver #%1 = %2")
                             .arg(m_nodes[static_cast<size_t>(m_feedwiseReceivers[static_cast<size_t>(e)])]
                                      .number)
                             .arg(formatNumber(length));
@@ -578,13 +798,16 @@ void Analyzer::circuitChecks()
         for (qsizetype e = 0; e < m_r.tooLong.size(); ++e) {
             const Node& end = m_nodes[static_cast<size_t>(m_tooLongEnds[static_cast<size_t>(e)])];
             m_messages +=
-                QStringLiteral("\nDynaline run ending at %1 #%2 is too long (%3 ft).")
-                    .arg(end.kind == ItemFixture ? QStringLiteral("fixture") : QStringLiteral("jumper"))
+                QCoreApplication::translate("Analysis",
+                                            "\nDynaline run ending at %1 #%2 is too long (%3 ft).")
+                    .arg(end.kind == ItemFixture ? QCoreApplication::translate("Analysis", "fixture")
+                                                 : QCoreApplication::translate("Analysis", "jumper"))
                     .arg(end.number)
                     .arg(formatNumber(m_r.tooLong.at(e).length));
         }
         if (m_r.totalLength > enabler->maxElectricalLength)
-            m_messages += QStringLiteral("\nTotal Dynaline length of %1 exceeds total limit of %2.")
+            m_messages += QCoreApplication::translate(
+                              "Analysis", "\nTotal Dynaline length of %1 exceeds total limit of %2.")
                               .arg(formatNumber(m_r.totalLength), formatNumber(enabler->maxElectricalLength));
     }
 
@@ -595,29 +818,33 @@ void Analyzer::circuitChecks()
 
 void Analyzer::report()
 {
-    m_r.derateLabel = QStringLiteral("(derated to %1 amps)").arg(formatNumber(m_r.deratedLoad));
-    m_r.fixtureLabel = QStringLiteral("Total Fixtures: %1").arg(m_r.fixtureCount);
+    m_r.derateLabel =
+        QCoreApplication::translate("Analysis", "(derated to %1 amps)").arg(formatNumber(m_r.deratedLoad));
+    m_r.fixtureLabel = QCoreApplication::translate("Analysis", "Total Fixtures: %1").arg(m_r.fixtureCount);
     m_r.powerText = formatOneDecimal(m_r.totalPower);
     m_r.currentText = formatOneDecimal(m_r.totalCurrent);
     m_r.feedwiseText = formatOneDecimal(m_r.feedwiseLength);
 
-    const QString inrush =
-        m_r.hasInrush ? QStringLiteral("\nTotal Inrush Current = %1 amps").arg(formatNumber(m_r.totalInrush))
-                      : QString();
-    const QString leakage =
-        m_r.hasLeakage
-            ? QStringLiteral("\nTotal Current Leakage = %1 amps").arg(formatNumber(m_r.totalLeakage))
-            : QString();
+    const QString inrush = m_r.hasInrush
+                               ? QCoreApplication::translate("Analysis", "\nTotal Inrush Current = %1 amps")
+                                     .arg(formatNumber(m_r.totalInrush))
+                               : QString();
+    const QString leakage = m_r.hasLeakage
+                                ? QCoreApplication::translate("Analysis", "\nTotal Current Leakage = %1 amps")
+                                      .arg(formatNumber(m_r.totalLeakage))
+                                : QString();
     // One pass over the placeholders, so no substituted text is read as a placeholder again.
-    m_r.summaryLine = QStringLiteral("Length = %1 Power = %2 Current = %3 VDrop = %4%5%6%7 R = %8")
-                          .arg(formatNumber(m_r.totalLength), formatNumber(m_r.totalPower),
-                               formatNumber(m_r.totalCurrent), formatNumber(m_r.totalVoltageDrop), inrush,
-                               leakage, m_r.circuitMessages, formatNumber(m_r.totalResistance));
+    m_r.summaryLine =
+        QCoreApplication::translate("Analysis", "Length = %1 Power = %2 Current = %3 VDrop = %4%5%6%7 R = %8")
+            .arg(formatNumber(m_r.totalLength), formatNumber(m_r.totalPower), formatNumber(m_r.totalCurrent),
+                 formatNumber(m_r.totalVoltageDrop), inrush, leakage, m_r.circuitMessages,
+                 formatNumber(m_r.totalResistance));
 }
 
 void Analyzer::run(const CWidget* root)
 {
     m_r.deratedLoad = m_in.deratedLoad();
+    m_r.lineVoltage = m_in.lineVoltage;
     m_selectedFamily = m_in.selectedFixture ? m_in.selectedFixture->family : 0;
     m_enablerRecord = m_in.enabler;
     if (!m_enablerRecord && root && root->itemType() == ItemSupply)
@@ -626,6 +853,12 @@ void Analyzer::run(const CWidget* root)
     if (root) {
         collect(root);
         m_counted.assign(m_nodes.size(), 0);
+        if (m_in.componentFigures) {
+            m_r.componentRecords.resize(static_cast<qsizetype>(m_nodes.size()));
+            m_records = m_r.componentRecords.data();
+            for (size_t i = 0; i < m_nodes.size(); ++i)
+                m_records[i].widget = m_nodes[i].widget;
+        }
         for (const Node& n : m_nodes) {
             if (n.kind == ItemFixture)
                 ++m_r.fixtureCount;
@@ -634,6 +867,12 @@ void Analyzer::run(const CWidget* root)
         }
         m_r.feedwiseEnabled = m_nodes.front().kind == ItemSupply && m_nodes.front().locationFeedwise;
 
+        qsizetype leaves = 0;
+        for (const Node& n : m_nodes)
+            leaves += n.childCount == 0 ? 1 : 0;
+        m_r.runs.reserve(leaves);
+        if (m_in.componentFigures)
+            m_path.reserve(m_nodes.size());
         for (size_t i = 0; i < m_nodes.size(); ++i)
             if (m_nodes[i].childCount == 0)
                 walkRun(static_cast<int>(i));
@@ -675,15 +914,62 @@ void Analyzer::run(const CWidget* root)
     report();
 }
 
+// The figures at every component a run passed, with the limits of its worst run it is nearest to.
+QList<ComponentFigures> figuresFromRecords(const AnalysisResult& r)
+{
+    const double line = r.lineVoltage;
+    std::vector<AppliedLimits> applied;
+    applied.reserve(static_cast<size_t>(r.runs.size()));
+    for (const RunFigures& run : r.runs)
+        applied.push_back(appliedLimits(run.limits, line));
+    QList<ComponentFigures> components;
+    components.reserve(r.componentRecords.size());
+    for (const ComponentRecord& f : r.componentRecords) {
+        if (f.run < 0)
+            continue;
+        const RunFigures& run = r.runs.at(f.run);
+        ComponentFigures& c = components.emplaceBack();
+        c.widget = f.widget;
+        c.runEnd = run.end;
+        c.runIndex = f.run;
+        c.runCount = f.runCount;
+        c.drop = f.drop;
+        c.voltage = line - f.drop;
+        c.dropPercent = line != 0.0 ? f.drop / line * 100.0 : 0.0;
+        c.current = f.current;
+        c.power = f.power;
+        c.length = f.length;
+        c.fixtures = f.fixtures;
+        if (run.limits.applies(LimitMinimumVoltage))
+            c.minVoltage = run.limits.minVoltage;
+        const AppliedLimits& a = applied[static_cast<size_t>(f.run)];
+        for (int j = 0; j < a.count; ++j) {
+            LimitUse use;
+            use.kind = a.kind[j];
+            use.limit = a.limit[j];
+            use.figure = figureFor(use.kind, c);
+            use.use = (use.kind == LimitMinimumVoltage ? c.drop : use.figure) * a.factor[j];
+            // Keep the two largest uses, the earlier limit first on a tie.
+            if (c.nearestCount < 2)
+                c.nearest[c.nearestCount++] = use;
+            else if (use.use > c.nearest[1].use)
+                c.nearest[1] = use;
+            if (c.nearestCount == 2 && c.nearest[1].use > c.nearest[0].use)
+                std::swap(c.nearest[0], c.nearest[1]);
+        }
+    }
+    return components;
+}
+
 } // namespace
 
 CircuitInputs inputsFromHeader(const HeaderChoices& header, const Database& db)
 {
     CircuitInputs in;
     const QString volts = header.lineVoltageText();
-    in.lineVoltage = volts == QLatin1String("Other") ? header.customLineVoltage() : volts.toDouble();
+    in.lineVoltage = volts == HeaderChoices::otherEntry() ? header.customLineVoltage() : volts.toDouble();
     const QString load = header.maxCircuitLoadText();
-    in.maxCircuitLoad = load == QLatin1String("Other") ? header.customMaxCircuitLoad() : load.toDouble();
+    in.maxCircuitLoad = load == HeaderChoices::otherEntry() ? header.customMaxCircuitLoad() : load.toDouble();
     in.frequency = header.frequencyText() == QLatin1String("50 Hz") ? 50 : 60;
     in.controller = header.controllerText();
     in.enabler = db.supplyNamed(header.supplyText());
@@ -726,6 +1012,100 @@ void applyResult(ConfigDocument& doc, const AnalysisResult& result)
     // The figures belong to the document's own components, which it lets us update.
     for (auto it = result.dynaLineLengths.cbegin(); it != result.dynaLineLengths.cend(); ++it)
         const_cast<CWidget*>(it.key())->setDynaLineLength(it.value());
+}
+
+double RunLimitValues::value(RunLimitKind kind, double lineVoltage) const
+{
+    switch (kind) {
+    case LimitFixtureCount:
+        return maxFixtures;
+    case LimitLength:
+        return maxLength;
+    case LimitRunLength:
+        return runLength;
+    case LimitVoltageDrop:
+        return maxVoltageDrop;
+    case LimitDropShare:
+        return lineVoltage * maxShare;
+    case LimitPower:
+        return maxPower;
+    case LimitCurrent:
+        return maxCurrent;
+    case LimitMinimumVoltage:
+        return minVoltage;
+    default:
+        return 0.0;
+    }
+}
+
+QString runLimitName(RunLimitKind kind)
+{
+    switch (kind) {
+    case LimitFixtureCount:
+        return QCoreApplication::translate("Analysis", "fixture count");
+    case LimitLength:
+        return QCoreApplication::translate("Analysis", "fixture type's length");
+    case LimitRunLength:
+        return QCoreApplication::translate("Analysis", "run length");
+    case LimitVoltageDrop:
+        return QCoreApplication::translate("Analysis", "voltage drop");
+    case LimitDropShare:
+        return QCoreApplication::translate("Analysis", "voltage drop share");
+    case LimitPower:
+        return QCoreApplication::translate("Analysis", "power");
+    case LimitCurrent:
+        return QCoreApplication::translate("Analysis", "current");
+    case LimitMinimumVoltage:
+        return QCoreApplication::translate("Analysis", "minimum voltage");
+    default:
+        return QString();
+    }
+}
+
+QString runLimitText(RunLimitKind kind, const RunLimitValues& limits)
+{
+    switch (kind) {
+    case LimitFixtureCount:
+        return QCoreApplication::translate("Analysis", "at most %1 fixtures").arg(limits.maxFixtures);
+    case LimitLength:
+        return QCoreApplication::translate("Analysis", "at most %1 ft").arg(formatNumber(limits.maxLength));
+    case LimitRunLength:
+        return QCoreApplication::translate("Analysis", "at most %1 ft").arg(formatNumber(limits.runLength));
+    case LimitVoltageDrop:
+        return QCoreApplication::translate("Analysis", "at most %1 V")
+            .arg(formatNumber(limits.maxVoltageDrop));
+    case LimitDropShare:
+        return QCoreApplication::translate("Analysis", "at most %1 of the line voltage")
+            .arg(formatNumber(limits.maxShare));
+    case LimitPower:
+        return QCoreApplication::translate("Analysis", "at most %1 W").arg(formatNumber(limits.maxPower));
+    case LimitCurrent:
+        return QCoreApplication::translate("Analysis", "at most %1 A").arg(formatNumber(limits.maxCurrent));
+    case LimitMinimumVoltage:
+        return QCoreApplication::translate("Analysis", "at least %1 V").arg(formatNumber(limits.minVoltage));
+    default:
+        return QString();
+    }
+}
+
+const QList<ComponentFigures>& AnalysisResult::components() const
+{
+    if (!m_componentsBuilt) {
+        m_components = figuresFromRecords(*this);
+        m_componentIndex.clear();
+        m_componentIndex.reserve(m_components.size());
+        for (qsizetype i = 0; i < m_components.size(); ++i)
+            m_componentIndex.insert(m_components.at(i).widget, i);
+        m_componentsBuilt = true;
+    }
+    return m_components;
+}
+
+const ComponentFigures* AnalysisResult::figuresAt(const CWidget* w) const
+{
+    const QList<ComponentFigures>& all = components();
+    const auto found = m_componentIndex.constFind(w);
+    return found == m_componentIndex.constEnd() ? nullptr : &all.at(found.value());
 }
 
 QString formatNumber(double v)

@@ -1,4 +1,5 @@
 #include "calc/Maximize.h"
+#include <QCoreApplication>
 
 #include "catalog/DLRecords.h"
 #include "catalog/Reporter.h"
@@ -56,7 +57,7 @@ bool Maximizer::addFixture()
     ++m_additions;
     ++m_fixtures;
     if (m_reporter)
-        m_reporter->log(QStringLiteral("Fixture Count is now: %1").arg(m_fixtures));
+        m_reporter->log(QCoreApplication::translate("Maximize", "Fixture Count is now: %1").arg(m_fixtures));
     changed();
     return true;
 }

@@ -1,5 +1,7 @@
 #include "canvas/CFrame.h"
 
+#include "calc/Analysis.h"
+#include "calc/DesignReport.h"
 #include "canvas/CFrameItemDelegate.h"
 #include "model/CWidget.h"
 #include "model/CWidgetModel.h"
@@ -8,13 +10,16 @@
 
 #include <QDebug>
 #include <QHash>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMessageBox>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QPrinter>
 #include <QScrollBar>
+#include <QToolTip>
 #include <QtMath>
 
 namespace
@@ -303,12 +308,15 @@ void CFrame::scrollContentsBy(int dx, int dy)
 
 void CFrame::paintEvent(QPaintEvent* event)
 {
-    Q_UNUSED(event)
     QPainter painter(viewport());
     painter.fillRect(viewport()->rect(), QColor(240, 240, 240));
     painter.scale(m_zoom, m_zoom);
     painter.setRenderHint(QPainter::Antialiasing);
+    // Only what lies in the exposed area is drawn: a large plan is mostly off screen.
+    m_paintArea = QRectF(event->rect()).adjusted(-1, -1, 1, 1);
+    m_paintArea = QRectF(m_paintArea.topLeft() / m_zoom, m_paintArea.bottomRight() / m_zoom);
     paintTree(painter);
+    m_paintArea = QRectF();
 }
 
 void CFrame::paintTree(QPainter& painter)
@@ -336,15 +344,25 @@ void CFrame::paintComponent(QPainter& painter, const CWidget* w, const Layout& l
     option.rect = QRect(QPoint(0, 0), r.size());
     option.state.setFlag(QStyle::State_Selected, w == m_doc->current());
 
-    painter.save();
-    painter.translate(r.topLeft());
-    m_delegate->paint(&painter, option, index);
-    painter.restore();
+    if (inPaintArea(r)) {
+        painter.save();
+        painter.translate(r.topLeft());
+        m_delegate->paint(&painter, option, index);
+        painter.restore();
+    }
+    // The voltage sits in the gap under the box.
+    if (m_showVoltages && inPaintArea(QRectF(r.left(), r.bottom() + 1, r.width(), 8)))
+        paintVoltage(painter, w, r);
 
     for (const CWidget* c : w->children())
         paintComponent(painter, c, layout);
     if (const CWidget* parent = w->parentWidget())
         paintConnector(painter, parent, w, layout);
+}
+
+bool CFrame::inPaintArea(const QRectF& r) const
+{
+    return m_paintArea.isNull() || m_paintArea.intersects(r);
 }
 
 void CFrame::paintConnector(QPainter& painter, const CWidget* parent, const CWidget* child,
@@ -375,6 +393,11 @@ void CFrame::paintConnector(QPainter& painter, const CWidget* parent, const CWid
     const bool parentIsBox = !parent->isCable();
     const bool childIsBox = !child->isCable();
     const bool firstChild = parent->indexOfChild(child) == 0;
+    // A connector stays within its two boxes widened by its bends (at most twice the difference
+    // of their right edges plus 80 to either side).
+    const qreal reach = 2.0 * qAbs(pRight - nRight) + 80.0;
+    if (!inPaintArea(p.united(n).adjusted(-reach, -2.0, reach, 2.0)))
+        return;
 
     painter.save();
     painter.setPen(QPen(colour, 2.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
@@ -403,6 +426,56 @@ void CFrame::paintConnector(QPainter& painter, const CWidget* parent, const CWid
         painter.drawLine(QPointF(p.x(), pCentre), QPointF(nRight, nCentre));
     }
     painter.restore();
+}
+
+// Small text in the gap under a box: green, amber within 10 % of the run's minimum voltage, red
+// below it.
+void CFrame::paintVoltage(QPainter& painter, const CWidget* w, const QRect& box)
+{
+    const ComponentFigures* f = m_analysis ? m_analysis->figuresAt(w) : nullptr;
+    if (!f || w->isCable())
+        return;
+    QColor colour(0, 140, 0);
+    switch (DesignReport::voltageMargin(*f)) {
+    case DesignReport::Margin::Below:
+        colour = QColor(210, 0, 0);
+        break;
+    case DesignReport::Margin::Near:
+        colour = QColor(215, 130, 0);
+        break;
+    default:
+        break;
+    }
+    painter.save();
+    QFont font = painter.font();
+    font.setPixelSize(7);
+    painter.setFont(font);
+    painter.setPen(colour);
+    painter.drawText(QRect(box.left(), box.bottom() + 1, box.width(), 8), Qt::AlignRight | Qt::AlignVCenter,
+                     tr("%1 V").arg(formatNumber(f->voltage)));
+    painter.restore();
+}
+
+// The component's own tooltip, followed by the figures of the last analysis at it.
+bool CFrame::showFiguresToolTip(QHelpEvent* event)
+{
+    const QModelIndex index = indexAt(event->pos());
+    const CWidget* w = index.isValid() && m_doc ? m_doc->model()->widget(index) : nullptr;
+    const ComponentFigures* f = w && m_analysis ? m_analysis->figuresAt(w) : nullptr;
+    if (!f)
+        return false;
+    QString text = index.data(Qt::ToolTipRole).toString();
+    if (!text.isEmpty())
+        text += QStringLiteral("\n\n");
+    text += DesignReport::figuresText(*f, m_doc->root());
+    QToolTip::showText(event->globalPos(), text, viewport(), visualRect(index));
+    return true;
+}
+
+void CFrame::setShowVoltages(bool on)
+{
+    m_showVoltages = on;
+    viewport()->update();
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -496,6 +569,8 @@ bool CFrame::viewportEvent(QEvent* event)
     // The viewport shrinks when a scroll bar appears: keep the key clear of it.
     if (event->type() == QEvent::Resize)
         placeLineKey();
+    if (event->type() == QEvent::ToolTip && showFiguresToolTip(static_cast<QHelpEvent*>(event)))
+        return true;
     return QAbstractItemView::viewportEvent(event);
 }
 

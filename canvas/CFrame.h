@@ -6,8 +6,10 @@
 
 class CWidget;
 class ConfigDocument;
+struct AnalysisResult;
 class QPrinter;
 class QPainter;
+class QHelpEvent;
 
 // The canvas: draws one configuration as a tree of boxes joined by connectors, and is the view
 // through which the user selects and deletes components. A view over a ConfigDocument.
@@ -48,6 +50,11 @@ public:
     // Paints the tree with the canvas painter into any device (printing, tests).
     void paintTree(QPainter& painter);
 
+    // The analysis whose figures the tooltips and the voltage overlay show; null for none. It
+    // must outlive the canvas or be replaced first.
+    void setAnalysis(const AnalysisResult* result) { m_analysis = result; }
+    bool showsVoltages() const { return m_showVoltages; }
+
     // QAbstractItemView
     QRect visualRect(const QModelIndex& index) const override;
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
@@ -65,6 +72,8 @@ public slots:
     void handleLastLocation(const QString& location);
     void handleZoomChanged(double value);
     void handleLineKeyToggled(bool checked);
+    // Writes the available voltage under each box, coloured by its margin to the minimum.
+    void setShowVoltages(bool on);
 
 protected:
     QModelIndex moveCursor(CursorAction cursorAction, Qt::KeyboardModifiers modifiers) override;
@@ -85,6 +94,10 @@ private:
     Layout computeLayout(bool scrolled) const;
     void paintComponent(QPainter& painter, const CWidget* w, const Layout& layout);
     void paintConnector(QPainter& painter, const CWidget* parent, const CWidget* child, const Layout& layout);
+    void paintVoltage(QPainter& painter, const CWidget* w, const QRect& box);
+    bool showFiguresToolTip(QHelpEvent* event);
+    // True when an unscaled rectangle meets the area being painted (always outside paint events).
+    bool inPaintArea(const QRectF& r) const;
     void placeLineKey();
     void updateScrollRanges();
 
@@ -93,6 +106,9 @@ private:
     bool m_printing = false;
     bool m_lineVoltageSeen = false;
     double m_lastPrintScale = 0.0;
+    const AnalysisResult* m_analysis = nullptr;
+    bool m_showVoltages = false;
+    QRectF m_paintArea; // unscaled area of the paint event under way; null: everything
     QWidget* m_lineKey = nullptr;
     class CFrameItemDelegate* m_delegate = nullptr;
 };

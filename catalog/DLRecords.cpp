@@ -4,6 +4,7 @@
 #include "catalog/FieldReader.h"
 #include "catalog/Reporter.h"
 
+#include <QCoreApplication>
 #include <QDomNodeList>
 
 using namespace FieldReader;
@@ -16,8 +17,8 @@ VxJumper* readCable(const QDomElement& element, ParseContext& ctx)
     const QString name = childText(element, QStringLiteral("Name"));
     if (name.isEmpty()) {
         if (ctx.reporter)
-            ctx.reporter->warning(
-                QStringLiteral("Error in database file:\nJumper/Leader element with no Name"));
+            ctx.reporter->warning(QCoreApplication::translate(
+                "Database", "Error in database file:\nJumper/Leader element with no Name"));
         return nullptr;
     }
     auto* cable = new VxJumper(name, VxTechNone);
@@ -111,7 +112,8 @@ bool DLFixture::parse(const QDomElement& element, ParseContext& ctx)
     readDouble(*this, element, QStringLiteral("VoltageDropPercent"), voltageDropPercent, false, rep);
     if (maxVoltageDrop == 0.0 && minVoltage == 0.0 && voltageDropPercent == 0.0) {
         if (rep)
-            rep->warning(QStringLiteral(
+            rep->warning(QCoreApplication::translate(
+                             "Database",
                              "Error parsing %1\nMaxVoltageDrop, MinVoltage, and VoltageDropPercent are zero")
                              .arg(name));
         return false;
@@ -142,7 +144,8 @@ bool DLPowerSupply::parse(const QDomElement& element, ParseContext& ctx)
     if (maxElectricalLength == 0.0 && maxNumFixtures == 0) {
         if (rep)
             rep->warning(
-                QStringLiteral("Error parsing %1\nMaxElectricalLength and MaxNumFixtures are both zero")
+                QCoreApplication::translate(
+                    "Database", "Error parsing %1\nMaxElectricalLength and MaxNumFixtures are both zero")
                     .arg(name));
         return false;
     }

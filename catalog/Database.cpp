@@ -2,12 +2,12 @@
 
 #include "catalog/FieldReader.h"
 #include "catalog/Reporter.h"
+#include "catalog/XmlDepth.h"
 
 #include <QCoreApplication>
 #include <QDomDocument>
 #include <QDomNodeList>
 #include <QFile>
-#include <QXmlStreamReader>
 
 using namespace FieldReader;
 
@@ -27,23 +27,11 @@ struct ParseProblem {
 
 bool tooDeep(const QByteArray& bytes, ParseProblem& problem)
 {
-    QXmlStreamReader reader(bytes);
-    int depth = 0;
-    while (!reader.atEnd()) {
-        const auto token = reader.readNext();
-        if (token == QXmlStreamReader::StartElement) {
-            if (++depth > MaxNestingDepth) {
-                problem.message =
-                    QStringLiteral("elements nested more than %1 levels deep").arg(MaxNestingDepth);
-                problem.line = reader.lineNumber();
-                problem.column = reader.columnNumber();
-                return true;
-            }
-        } else if (token == QXmlStreamReader::EndElement) {
-            --depth;
-        }
-    }
-    return false; // any other error is left to the document parser, which reports it
+    if (!XmlDepth::exceeds(bytes, MaxNestingDepth, &problem.line, &problem.column))
+        return false; // any other error is left to the document parser, which reports it
+    problem.message =
+        QCoreApplication::translate("Database", "elements nested more than %1 levels deep").arg(MaxNestingDepth);
+    return true;
 }
 } // namespace
 
@@ -113,7 +101,8 @@ bool Database::loadFile(const QString& path, Reporter* reporter)
 
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        reporter->warning(QStringLiteral("Cannot read database file %1:\n%2.").arg(path, file.errorString()));
+        reporter->warning(QCoreApplication::translate("Database", "Cannot read database file %1:\n%2.")
+                              .arg(path, file.errorString()));
         m_valid = false;
         return false;
     }
@@ -139,10 +128,11 @@ bool Database::loadBytes(const QByteArray& bytes, const QString& path, Reporter*
         problem = {domMessage, line, column};
     }
     if (!parsed) {
-        reporter->warning(QStringLiteral("Error parsing database file %1:\n%2\nLine %3 Column %4")
-                              .arg(path, problem.message)
-                              .arg(problem.line)
-                              .arg(problem.column));
+        reporter->warning(
+            QCoreApplication::translate("Database", "Error parsing database file %1:\n%2\nLine %3 Column %4")
+                .arg(path, problem.message)
+                .arg(problem.line)
+                .arg(problem.column));
         m_valid = false;
         return false;
     }
@@ -168,12 +158,14 @@ void Database::readVersion(const QDomElement& root, Reporter* reporter)
     const QString text = root.firstChildElement(QStringLiteral("DBVersion")).text();
     if (text.isEmpty()) {
         reporter->warning(
-            QStringLiteral("Error in database file %1:\nDBVersion %2 not found.").arg(m_path, text));
+            QCoreApplication::translate("Database", "Error in database file %1:\nDBVersion %2 not found.")
+                .arg(m_path, text));
         return;
     }
     if (!m_version.isEmpty() && m_version != text) {
         reporter->warning(
-            QStringLiteral("Error in database file %1:\nDBVersion %2 does not match previous (%3)")
+            QCoreApplication::translate(
+                "Database", "Error in database file %1:\nDBVersion %2 does not match previous (%3)")
                 .arg(m_path, text, m_version));
         return;
     }
@@ -250,12 +242,14 @@ QString Database::acceptedName(const QDomElement& e, const QString& kind, const 
     const QString name = childText(e, QStringLiteral("Name"));
     if (name.isEmpty()) {
         reporter->warning(
-            QStringLiteral("Error in database file %1:\n%2 element with no Name").arg(m_path, kind));
+            QCoreApplication::translate("Database", "Error in database file %1:\n%2 element with no Name")
+                .arg(m_path, kind));
         return QString();
     }
     if (!typeKind.isEmpty() && techTypeFromKeyword(childText(e, QStringLiteral("Type"))) != VxTechDynaline) {
         reporter->warning(
-            QStringLiteral("Error in database file %1:\n%2 %3 has unknown type").arg(m_path, typeKind, name));
+            QCoreApplication::translate("Database", "Error in database file %1:\n%2 %3 has unknown type")
+                .arg(m_path, typeKind, name));
         return QString();
     }
     return name;

@@ -3,6 +3,7 @@
 #include "catalog/Records.h"
 #include "catalog/Reporter.h"
 
+#include <QCoreApplication>
 #include <cmath>
 
 namespace FieldReader
@@ -42,7 +43,8 @@ bool readField(const VxItem& record, const QDomElement& element, const QString& 
     if (!e.isNull() && convert(e.text()))
         return true;
     if (required && reporter)
-        reporter->warning(QStringLiteral("Error parsing \"%1\" field for %2").arg(child, record.name));
+        reporter->warning(QCoreApplication::translate("Database", "Error parsing \"%1\" field for %2")
+                              .arg(child, record.name));
     return false;
 }
 } // namespace

@@ -3,6 +3,7 @@
 #include "catalog/FieldReader.h"
 #include "catalog/Reporter.h"
 
+#include <QCoreApplication>
 #include <QDomNodeList>
 
 #include <algorithm>
@@ -192,8 +193,8 @@ bool VxJumper::parse(const QDomElement& element, ParseContext& ctx)
                 const QString wireName = childText(we, QStringLiteral("Name"));
                 if (wireName.isEmpty()) {
                     if (ctx.reporter)
-                        ctx.reporter->warning(
-                            QStringLiteral("Error in database file:\nCustomWire element with no Name"));
+                        ctx.reporter->warning(QCoreApplication::translate(
+                            "Database", "Error in database file:\nCustomWire element with no Name"));
                     continue;
                 }
                 auto* wire = new VxWire(wireName, VxTechNone);
@@ -275,7 +276,8 @@ void VxFixture::readValidSupplies(const QDomElement& element, const QList<VxPowe
             if (!match) {
                 if (ctx.reporter)
                     ctx.reporter->warning(
-                        QStringLiteral(
+                        QCoreApplication::translate(
+                            "Database",
                             "Error parsing \"Valid Supply\" item for fixture %1.\nSupply %2 not defined.")
                             .arg(name, wanted));
                 continue;

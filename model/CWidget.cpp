@@ -261,9 +261,8 @@ bool CWidget::applyEditorValue(int id, const QVariant& value)
     return true;
 }
 
-QDomElement CWidget::saveToXml(QDomDocument& doc, bool* ok) const
+QDomElement CWidget::saveToXml(QDomDocument& doc) const
 {
-    Q_UNUSED(ok) // no step of writing a component can fail
     QDomElement e = doc.createElement(QStringLiteral("CWidget"));
     e.setAttribute(QStringLiteral("CWidgetItemType"), m_itemType);
     for (int id : propertyIds()) {
@@ -290,7 +289,7 @@ QDomElement CWidget::saveToXml(QDomDocument& doc, bool* ok) const
     if (fixture.metaType().id() == QMetaType::QString && !fixture.toString().isEmpty())
         e.setAttribute(QStringLiteral("fixtureName"), fixture.toString());
     for (const CWidget* c : m_children)
-        e.appendChild(c->saveToXml(doc, ok));
+        e.appendChild(c->saveToXml(doc));
     return e;
 }
 
@@ -889,7 +888,7 @@ EditorRule BranchWireWidget::editorRule(int id) const
         const QString mode = effectiveMode();
         int maximum = 999;
         if (mode == Modes::feedwise()) {
-            maximum = m_location == Modes::aboveGround() ? 427 : 294;
+            maximum = static_cast<int>(Modes::feedwiseMaxLength(m_location));
         } else if (mode == Modes::dynaline()) {
             const VxWire* w = m_wire ? m_wire->wireNamed(m_gauge) : nullptr;
             maximum = w ? roundToInt(w->maxLength) : 175;

@@ -69,6 +69,11 @@ inline QString aboveGround()
 {
     return QStringLiteral("Above Ground");
 }
+// The longest Feedwise branch wire, in feet, in a location: above ground or any other.
+inline double feedwiseMaxLength(const QString& location)
+{
+    return location == aboveGround() ? 427.0 : 294.0;
+}
 } // namespace Modes
 
 // What an editor for one property offers: the allowed choices or the spin-box limits.
@@ -150,7 +155,7 @@ public:
     // Stores an edited value and emits valueChanged; returns false, emitting nothing, when the
     // value is the one already held (ids the kind does not show are ignored).
     virtual bool applyEditorValue(int id, const QVariant& value);
-    QDomElement saveToXml(QDomDocument& doc, bool* ok = nullptr) const;
+    QDomElement saveToXml(QDomDocument& doc) const;
     static bool isWidgetElement(const QDomElement& element);
     virtual int maxChildren() const;
     virtual int propertyCount() const;

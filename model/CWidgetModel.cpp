@@ -74,9 +74,11 @@ bool CWidgetModel::setData(const QModelIndex& index, const QVariant& value, int 
     if (role != Qt::EditRole || !index.isValid())
         return false;
     // An editor left as it was (or the same entry chosen again) changes nothing, so nothing is
-    // announced: no analysis runs and the configuration stays unmodified.
-    if (widget(index)->applyEditorValue(index.column(), value))
+    // announced: no analysis runs, the configuration stays unmodified and no undo step is made.
+    if (widget(index)->applyEditorValue(index.column(), value)) {
         emit layoutChanged();
+        emit propertyEdited(index.column());
+    }
     return true;
 }
 

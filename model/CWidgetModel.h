@@ -38,6 +38,10 @@ public:
     // The model itself lives without a GUI, so the front end hands the picture in.
     void setHeaderDecoration(const QVariant& decoration) { m_headerDecoration = decoration; }
 
+signals:
+    // An edit through setData (the property table) was stored; column is its property id.
+    void propertyEdited(int column);
+
 private:
     CWidget* m_root;
     QVariant m_headerDecoration;

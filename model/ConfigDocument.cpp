@@ -222,9 +222,9 @@ Additions ConfigDocument::allowedAdditions(const DLFixture* chosen) const
     return a;
 }
 
-CWidget* ConfigDocument::addBranchWire(int spare, const QString& inputMode, bool defaultWireName)
+CWidget* ConfigDocument::addBranchWire(int spare, const QString& inputMode)
 {
-    Q_UNUSED(defaultWireName) // a new branch wire always takes the catalog's default name and gauge
+    // A new branch wire always takes the catalog's default name and gauge.
     if (!m_db || !m_db->firstBranchWire())
         return nullptr;
     auto* wire = new BranchWireWidget(m_db, m_db->firstBranchWire());
@@ -243,7 +243,7 @@ CWidget* ConfigDocument::addSupply(DLPowerSupply* record)
         return nullptr;
     const bool hadSupply = count(ItemSupply) > 0;
     if (hadSupply && (!cur || cur->itemType() != ItemBranchWire)) {
-        if (!addBranchWire(3, Modes::feedwise(), true))
+        if (!addBranchWire(3, Modes::feedwise()))
             return nullptr;
     }
     auto* supply = new SupplyWidget(m_db, record, 0);
@@ -307,7 +307,7 @@ CWidget* ConfigDocument::addReceiver()
     if (!cur || !rec)
         return nullptr;
     if (cur->itemType() != ItemBranchWire) {
-        if (!addBranchWire(3, Modes::feedwise(), false))
+        if (!addBranchWire(3, Modes::feedwise()))
             return nullptr;
     }
     auto* receiver = new ReceiverWidget(m_db, rec, 0);
@@ -331,7 +331,7 @@ CWidget* ConfigDocument::addJunctionBox()
         return nullptr;
     if (cur->itemType() != ItemBranchWire) {
         const QString mode = onReceiver ? Modes::feedwise() : cur->locationText();
-        if (!addBranchWire(4, mode, false))
+        if (!addBranchWire(4, mode))
             return nullptr;
     }
     auto* box = new JunctionBoxWidget(m_db, rec);

@@ -121,7 +121,7 @@ private slots:
     void onComponentValueChanged();
 
 private:
-    CWidget* addBranchWire(int spare, const QString& inputMode, bool defaultWireName);
+    CWidget* addBranchWire(int spare, const QString& inputMode);
     void adopt(CWidget* w);
 
     const Database* m_db;

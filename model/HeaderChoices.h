@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QList>
 #include <QString>
 
@@ -18,6 +19,9 @@ class HeaderChoices
 {
 public:
     virtual ~HeaderChoices() = default;
+
+    // The last entry of the voltage and load lists: a value typed into the spin box beside them.
+    static QString otherEntry() { return QCoreApplication::translate("HeaderChoices", "Other"); }
 
     virtual QString supplyText() const = 0;
     virtual QString fixtureText() const = 0;

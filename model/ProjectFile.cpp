@@ -414,10 +414,8 @@ QDomElement saveFrame(QDomDocument& dom, const ConfigDocument& doc)
 {
     QDomElement frame = dom.createElement(kFrameTag);
     frame.setAttribute(QStringLiteral("techType"), doc.techType());
-    if (const CWidget* root = doc.root()) {
-        bool ok = true;
-        frame.appendChild(root->saveToXml(dom, &ok));
-    }
+    if (const CWidget* root = doc.root())
+        frame.appendChild(root->saveToXml(dom));
     return frame;
 }
 
@@ -434,7 +432,7 @@ QDomDocument buildDocument(const ConfigDocument& doc, const HeaderChoices& heade
                                                         .arg(RunplanVersion::buildTag()));
     root.setAttribute(QStringLiteral("CurrentFixtureName"), header.fixtureText());
     root.setAttribute(QStringLiteral("CurrentSupplyName"), header.supplyText());
-    const QString other = tr("Other");
+    const QString other = HeaderChoices::otherEntry();
     root.setAttribute(QStringLiteral("LineVoltage"), header.lineVoltageText());
     if (header.lineVoltageText() == other)
         root.setAttribute(QStringLiteral("CustomLineVoltage"), header.customLineVoltage());
@@ -513,7 +511,7 @@ bool readImpl(const QByteArray& bytes, const QString& source, ConfigDocument& do
 
     header.selectSupply(root.attribute(QStringLiteral("CurrentSupplyName")));
     header.selectFixture(mapLegacyFixtureName(root.attribute(QStringLiteral("CurrentFixtureName"))));
-    const QString other = tr("Other");
+    const QString other = HeaderChoices::otherEntry();
     const QString lineVoltage = root.attribute(QStringLiteral("LineVoltage"));
     header.selectLineVoltage(lineVoltage);
     if (lineVoltage == other)
@@ -595,15 +593,12 @@ bool loadFrame(const QDomElement& element, ConfigDocument& doc, QString* error)
     const QDomElement first = frame.firstChildElement(kWidgetTag);
     if (first.isNull())
         return true;
-    CWidget* root = nullptr;
-    if (!readComponent(first, doc.database(), &root))
-        return false;
-    if (root)
+    if (CWidget* root = readComponent(first, doc.database()))
         doc.setRoot(root);
     return true;
 }
 
-bool readComponent(const QDomElement& element, const Database* db, CWidget** out)
+CWidget* readComponent(const QDomElement& element, const Database* db)
 {
     // Depth-first with an explicit stack rather than recursion: the main thread's stack is small on
     // some platforms and a run nests one level per fixture. Each child is attached once its own
@@ -612,14 +607,11 @@ bool readComponent(const QDomElement& element, const Database* db, CWidget** out
         CWidget* widget;
         QDomNode next; // the next sibling node to read as a child
     };
-    if (out)
-        *out = nullptr;
-
     ComponentLoading::setActive(true);
     CWidget* top = beginComponent(element, db);
     if (!top) {
         ComponentLoading::setActive(false);
-        return true;
+        return nullptr;
     }
     QList<Level> stack;
     stack.append({top, firstDescendantWidget(element)});
@@ -650,11 +642,7 @@ bool readComponent(const QDomElement& element, const Database* db, CWidget** out
         }
         stack.append({child, firstDescendantWidget(childElement)});
     }
-    if (out)
-        *out = result;
-    else
-        delete result;
-    return true;
+    return result;
 }
 
 } // namespace ProjectFile

@@ -47,5 +47,7 @@ bool read(const QByteArray& bytes, ConfigDocument& doc, HeaderChoices& header, R
 
 QDomElement saveFrame(QDomDocument& dom, const ConfigDocument& doc);
 bool loadFrame(const QDomElement& element, ConfigDocument& doc, QString* error);
-bool readComponent(const QDomElement& element, const Database* db, CWidget** out);
+// Reads a component element with its subtree; null when the element names no kind or product of
+// the catalog.
+CWidget* readComponent(const QDomElement& element, const Database* db);
 } // namespace ProjectFile

@@ -1,5 +1,7 @@
 #include "update/AutoUpdateTool.h"
 
+#include "catalog/XmlDepth.h"
+
 #include <QDebug>
 #include <QDomDocument>
 #include <QDomElement>
@@ -99,7 +101,9 @@ void AutoUpdateTool::getVersionInfo()
     m_busy = true;
     const QString address = QStringLiteral("http://%1%2").arg(m_host, m_path);
     qDebug().noquote() << QStringLiteral("AUT: requesting ") + address;
+    m_replyTooLarge = false;
     m_reply = m_manager->get(QNetworkRequest(QUrl(address)));
+    connect(m_reply, &QNetworkReply::downloadProgress, this, &AutoUpdateTool::watchReplySize);
     // A request refused on the spot has already finished and cleared busy; nothing to time.
     if (m_busy)
         m_busyTimer.start(m_timeoutMs);
@@ -119,6 +123,16 @@ void AutoUpdateTool::checkBusy()
     reply->deleteLater();
 }
 
+void AutoUpdateTool::watchReplySize(qint64 received, qint64 total)
+{
+    // The announced length is known with the headers, the received one grows with every chunk.
+    if (received <= MaxReplyBytes && total <= MaxReplyBytes)
+        return;
+    m_replyTooLarge = true;
+    if (m_reply && m_reply->isRunning())
+        m_reply->abort(); // finishes the reply with an error, which replyFinished reports
+}
+
 void AutoUpdateTool::replyFinished(QNetworkReply* reply)
 {
     m_busy = false;
@@ -127,12 +141,18 @@ void AutoUpdateTool::replyFinished(QNetworkReply* reply)
         m_reply = nullptr;
     reply->deleteLater();
 
+    if (m_replyTooLarge) {
+        qDebug().noquote() << QStringLiteral("AUT:handleReply - reply refused: larger than %1 bytes")
+                                  .arg(MaxReplyBytes);
+        return;
+    }
     if (reply->error() != QNetworkReply::NoError) {
         qDebug().noquote() << QStringLiteral("AUT:handleReply - got error message: ") + reply->errorString();
         return;
     }
 
-    parseVersionFile(reply->readAll());
+    // One byte over the limit is enough to refuse the reply.
+    parseVersionFile(reply->read(MaxReplyBytes + 1));
     qDebug().noquote() << QStringLiteral("AUT:handleReply - no errors, emitting fileDownloadSuccess");
     emit fileDownloadSuccess();
 }
@@ -140,6 +160,15 @@ void AutoUpdateTool::replyFinished(QNetworkReply* reply)
 void AutoUpdateTool::parseVersionFile(const QByteArray& content)
 {
     m_versions.clear();
+    if (content.size() > MaxReplyBytes) {
+        qDebug().noquote() << QStringLiteral("AUT: version file refused: larger than %1 bytes").arg(MaxReplyBytes);
+        return;
+    }
+    if (XmlDepth::exceeds(content, MaxNestingDepth)) {
+        qDebug().noquote() << QStringLiteral("AUT: version file refused: elements nested more than %1 levels deep")
+                                  .arg(MaxNestingDepth);
+        return;
+    }
     QDomDocument document(QStringLiteral("mydocument"));
     if (!document.setContent(content))
         return;

@@ -51,6 +51,12 @@ class AutoUpdateTool : public QObject
     Q_OBJECT
 public:
     static constexpr int DefaultTimeoutMs = 10000;
+    // The vendor's version file is a few kilobytes: a reply larger than 64 KiB is refused while it
+    // downloads, and never held whole.
+    static constexpr qint64 MaxReplyBytes = 64 * 1024;
+    // The file nests five levels (Applications, Application, operating system, Release, field);
+    // a deeper document is refused before it is parsed.
+    static constexpr int MaxNestingDepth = 32;
 
     explicit AutoUpdateTool(QObject* parent = nullptr);
     ~AutoUpdateTool() override;
@@ -77,7 +83,8 @@ public:
 
     // The tree parsed from the last downloaded file, keyed by application name.
     const QMap<QString, AppVers>& versions() const { return m_versions; }
-    // Replaces the tree with the one read from an XML document; an unparsable one leaves it empty.
+    // Replaces the tree with the one read from an XML document; an unparsable one, or one over
+    // the size or nesting limits above, leaves it empty.
     void parseVersionFile(const QByteArray& content);
 
 signals:
@@ -94,6 +101,7 @@ public slots:
 
 private:
     void readApplication(const QDomElement& application);
+    void watchReplySize(qint64 received, qint64 total);
 
     QString m_host;
     QString m_path;
@@ -102,6 +110,7 @@ private:
     QTimer m_busyTimer;
     int m_timeoutMs = DefaultTimeoutMs;
     bool m_busy = false;
+    bool m_replyTooLarge = false;
     QMap<QString, AppVers> m_versions;
 };
 

@@ -25,15 +25,13 @@ SettingsDlg::~SettingsDlg()
 
 void SettingsDlg::loadSettings()
 {
-    QSettings settings;
-    const bool neverCheck = settings.value(updateNeverCheckKey(), DefaultUpdateNeverCheck).toBool();
-    const int intervalDays =
-        settings.value(updateCheckIntervalDaysKey(), DefaultUpdateCheckIntervalDays).toInt();
-    const bool proxyUsed = settings.value(useProxyKey(), DefaultUseProxy).toBool();
-    const QString host = settings.value(proxyHostKey(), QString()).toString();
-    const int port = settings.value(proxyPortKey(), DefaultProxyPort).toInt();
-    const QString user = settings.value(proxyUserKey(), QString()).toString();
-    const QString password = settings.value(proxyPasswordKey(), QString()).toString();
+    const bool neverCheck = updateNeverCheck();
+    const int intervalDays = updateCheckIntervalDays();
+    const bool proxyUsed = useProxy();
+    const QString host = proxyHost();
+    const int port = proxyPort();
+    const QString user = proxyUser();
+    const QString password = proxyPassword();
 
     ui->autoCheckForUpdatesCheckbox->setChecked(!neverCheck);
     ui->checkForUpdateEveryNDaysSpinBox->setValue(intervalDays);
@@ -56,7 +54,7 @@ void SettingsDlg::storeSettings()
     settings.setValue(proxyPasswordKey(), ui->passwordLineEdit->text());
     settings.setValue(updateNeverCheckKey(), !ui->autoCheckForUpdatesCheckbox->isChecked());
     settings.setValue(updateCheckIntervalDaysKey(), ui->checkForUpdateEveryNDaysSpinBox->value());
-    settings.sync();
+    finishWrite(settings);
 }
 
 void SettingsDlg::handleFinished(int result)

@@ -2,8 +2,10 @@
 
 #include <QByteArray>
 #include <QDir>
+#include <QFile>
 #include <QSettings>
 #include <QString>
+#include <QVariant>
 
 // Every key of the per-user settings store and its default. Each accessor opens its own short-lived
 // QSettings: nothing is cached, so a value written elsewhere is seen at the next read.
@@ -17,6 +19,11 @@ inline QString windowGeometryKey()
 inline QString lineKeyActiveKey()
 {
     return QStringLiteral("rplan_line_key_active");
+}
+// Off unless stored: the canvas then paints as it always has.
+inline QString showVoltagesKey()
+{
+    return QStringLiteral("rplan_show_voltages");
 }
 inline QString lastDirPathKey()
 {
@@ -73,6 +80,45 @@ inline QString defaultLastDirPath()
     return QDir::homePath();
 }
 
+// A stored value that cannot be read as its type (a word where a number belongs, "maybe" for a
+// yes or no) or that lies outside the range its control offers counts as absent: the default is
+// used.
+inline bool readBool(const QSettings& settings, const QString& key, bool fallback)
+{
+    const QVariant value = settings.value(key);
+    if (value.typeId() == QMetaType::Bool)
+        return value.toBool();
+    const QString text = value.toString().trimmed().toLower();
+    if (text == QLatin1String("true") || text == QLatin1String("1"))
+        return true;
+    if (text == QLatin1String("false") || text == QLatin1String("0"))
+        return false;
+    return fallback;
+}
+inline int readInt(const QSettings& settings, const QString& key, int fallback, int minimum, int maximum)
+{
+    bool ok = false;
+    const int value = settings.value(key).toString().trimmed().toInt(&ok);
+    return ok && value >= minimum && value <= maximum ? value : fallback;
+}
+constexpr int MaxProxyPort = 65535;
+constexpr int MaxUpdateCheckIntervalDays = 365;
+
+// Ends every write: the store is written out and its file made readable by its owner only, since
+// it holds the proxy password as typed. Later rewrites keep that mode.
+inline void finishWrite(QSettings& settings)
+{
+    settings.sync();
+    if (QFile::exists(settings.fileName()))
+        QFile::setPermissions(settings.fileName(), QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+}
+inline void write(const QString& key, const QVariant& value)
+{
+    QSettings settings;
+    settings.setValue(key, value);
+    finishWrite(settings);
+}
+
 // Window geometry: empty when never stored, and then the window keeps its own size.
 inline bool hasWindowGeometry()
 {
@@ -84,7 +130,7 @@ inline QByteArray windowGeometry()
 }
 inline void setWindowGeometry(const QByteArray& geometry)
 {
-    QSettings().setValue(windowGeometryKey(), geometry);
+    write(windowGeometryKey(), geometry);
 }
 
 // The line colour key is shown when the key was never stored; only a stored value can hide it.
@@ -94,12 +140,11 @@ inline bool hasLineKeyActive()
 }
 inline bool lineKeyActive()
 {
-    QSettings settings;
-    return settings.contains(lineKeyActiveKey()) ? settings.value(lineKeyActiveKey()).toBool() : true;
+    return readBool(QSettings(), lineKeyActiveKey(), true);
 }
 inline void setLineKeyActive(bool active)
 {
-    QSettings().setValue(lineKeyActiveKey(), active);
+    write(lineKeyActiveKey(), active);
 }
 
 inline QString lastDirPath()
@@ -108,7 +153,7 @@ inline QString lastDirPath()
 }
 inline void setLastDirPath(const QString& dir)
 {
-    QSettings().setValue(lastDirPathKey(), dir);
+    write(lastDirPathKey(), dir);
 }
 
 inline QString maximizeFixtureFile()
@@ -117,20 +162,21 @@ inline QString maximizeFixtureFile()
 }
 inline void setMaximizeFixtureFile(const QString& path)
 {
-    QSettings().setValue(maximizeFixtureFileKey(), path);
+    write(maximizeFixtureFileKey(), path);
 }
 
 inline bool updateNeverCheck()
 {
-    return QSettings().value(updateNeverCheckKey(), DefaultUpdateNeverCheck).toBool();
+    return readBool(QSettings(), updateNeverCheckKey(), DefaultUpdateNeverCheck);
 }
 inline int updateCheckIntervalDays()
 {
-    return QSettings().value(updateCheckIntervalDaysKey(), DefaultUpdateCheckIntervalDays).toInt();
+    return readInt(QSettings(), updateCheckIntervalDaysKey(), DefaultUpdateCheckIntervalDays, 0,
+                   MaxUpdateCheckIntervalDays);
 }
 inline bool useProxy()
 {
-    return QSettings().value(useProxyKey(), DefaultUseProxy).toBool();
+    return readBool(QSettings(), useProxyKey(), DefaultUseProxy);
 }
 inline QString proxyHost()
 {
@@ -138,7 +184,7 @@ inline QString proxyHost()
 }
 inline int proxyPort()
 {
-    return QSettings().value(proxyPortKey(), DefaultProxyPort).toInt();
+    return readInt(QSettings(), proxyPortKey(), DefaultProxyPort, 0, MaxProxyPort);
 }
 inline QString proxyUser()
 {

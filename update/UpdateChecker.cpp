@@ -74,13 +74,15 @@ void UpdateChecker::setUrlOpener(UrlOpener opener)
     installedUrlOpener() = std::move(opener);
 }
 
-bool UpdateChecker::isOpenableDownloadUrl(const QString& address)
+QString UpdateChecker::downloadUrlRefusal(const QString& address)
 {
     const QUrl url(address, QUrl::StrictMode);
-    if (!url.isValid() || url.host().isEmpty())
-        return false;
     const QString scheme = url.scheme().toLower();
-    return scheme == QLatin1String("http") || scheme == QLatin1String("https");
+    if (scheme != QLatin1String("http") && scheme != QLatin1String("https"))
+        return tr("The download page was not opened: \"%1\" is not an http or https address.").arg(address);
+    if (!url.isValid() || url.host().isEmpty())
+        return tr("The download page was not opened: \"%1\" is not a valid web address.").arg(address);
+    return QString();
 }
 
 UpdateChecker::UpdateChecker(QObject* parent) : QObject(parent) {}
@@ -142,10 +144,10 @@ void UpdateChecker::handleUpdateAvailable(const QString& version, const QString&
                                                  .arg(version));
     if (!goThere || url.isEmpty())
         return;
-    if (!isOpenableDownloadUrl(url)) {
-        qDebug().noquote() << QStringLiteral(
-                                  "Update: Not opening download address, it is not an http or https URL: ") +
-                                  url;
+    const QString refusal = downloadUrlRefusal(url);
+    if (!refusal.isEmpty()) {
+        qDebug().noquote() << QStringLiteral("Update: Not opening download address: ") + url;
+        prompter().information(tr("Runplan"), refusal);
         return;
     }
     openUrl(QUrl(url, QUrl::StrictMode));

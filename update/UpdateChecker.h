@@ -82,7 +82,9 @@ public:
     static void setPrompter(UpdatePrompter* prompter);
     static void setUrlOpener(UrlOpener opener);
     // Only web addresses are handed to the desktop: the version file comes from the network.
-    static bool isOpenableDownloadUrl(const QString& address);
+    // Empty when the address may be opened, else why it is not, in the user's words.
+    static QString downloadUrlRefusal(const QString& address);
+    static bool isOpenableDownloadUrl(const QString& address) { return downloadUrlRefusal(address).isEmpty(); }
 
 public slots:
     void handleXMLFileDownloadSuccess();

@@ -82,6 +82,8 @@ private slots:
     void feedwiseWiringAndModes();
     void inputsFromHeaderChoices();
     void deepRunWithoutRecursion();
+    void componentFiguresByHand();
+    void componentFiguresLeaveOutputsUnchanged();
 };
 
 void TestAnalysis::checksFireAlone_data()
@@ -590,3 +592,139 @@ void TestAnalysis::deepRunWithoutRecursion()
 
 QTEST_GUILESS_MAIN(TestAnalysis)
 #include "tst_analysis.moc"
+
+// Voltage at each component = 120 V less the drops from the enabler down to and including it.
+// Drops by hand: a Plain fixture carrying P watts drops P / 96 * 0.5 V, a cable of R ohm P / 120 * R,
+// the receiver (0.1 ohm, power factor 0.5, 5 W of its own) P / 60 * 0.1.
+void TestAnalysis::componentFiguresByHand()
+{
+    Harness h;
+    QVERIFY(h.ready());
+    DLFixture* plain = h.db.fixtureNamed(QStringLiteral("Plain"));
+    struct Expected {
+        const CWidget* w;
+        double voltage;
+        double current;
+        double power;
+        int runCount;
+    };
+    const auto check = [&](const QList<Expected>& expected) {
+        const AnalysisResult& r = h.analyze();
+        QCOMPARE(r.components().size(), expected.size());
+        for (const Expected& e : expected) {
+            const ComponentFigures* f = r.figuresAt(e.w);
+            QVERIFY2(f, qPrintable(e.w->name()));
+            QVERIFY2(std::abs(f->voltage - e.voltage) < 1e-9,
+                     qPrintable(QString::number(f->voltage, 'g', 12)));
+            QVERIFY(std::abs(f->drop - (120.0 - e.voltage)) < 1e-9);
+            QVERIFY(std::abs(f->dropPercent - (120.0 - e.voltage) / 1.2) < 1e-9);
+            QVERIFY2(std::abs(f->current - e.current) < 1e-12, qPrintable(e.w->name()));
+            QCOMPARE(f->power, e.power);
+            QCOMPARE(f->runCount, e.runCount);
+        }
+    };
+
+    // Chain: enabler -> leader (0.05 ohm) -> F1 -> jumper (0.01 ohm) -> F2.
+    h.chain(plain->name, 0);
+    const CWidget* leader = h.doc().addLeader(plain);
+    const CWidget* f1 = h.doc().addFixture(plain);
+    const CWidget* jumper = h.doc().addJumper(plain);
+    const CWidget* f2 = h.doc().addFixture(plain);
+    const double afterLeader = 120.0 - 24.0 / 120 * 0.05;
+    const double afterF1 = afterLeader - 24.0 / 96 * 0.5;
+    const double afterJumper = afterF1 - 12.0 / 120 * 0.01;
+    check({{h.root(), 120.0, 0.25, 24, 1},
+           {leader, afterLeader, 0.25, 24, 1},
+           {f1, afterF1, 0.25, 24, 1},
+           {jumper, afterJumper, 0.125, 12, 1},
+           {f2, afterJumper - 12.0 / 96 * 0.5, 0.125, 12, 1}});
+    // At the run's end the voltage is the line voltage less the run's drop.
+    QCOMPARE(h.session->result().figuresAt(f2)->drop, h.session->result().runs.at(0).voltageDrop);
+
+    // Branched: enabler -> branch wire (0.02 ohm) -> box -> {F1 -> F2, F3}. The shared wire and box
+    // take the figures of the worse run, the one through F1 and F2.
+    h.session->reset();
+    const CWidget* box = h.doc().addJunctionBox();
+    const CWidget* wire = box->parentWidget();
+    f1 = h.doc().addFixture(plain);
+    f2 = h.doc().addFixture(plain);
+    h.doc().setCurrent(box);
+    const CWidget* f3 = h.doc().addFixture(plain);
+    const double atBox = 120.0 - 24.0 / 120 * 0.02;
+    check({{h.root(), 120.0, 0.25, 24, 2},
+           {wire, atBox, 0.25, 24, 2},
+           {box, atBox, 0.25, 24, 2},
+           {f1, atBox - 24.0 / 96 * 0.5, 0.25, 24, 1},
+           {f2, atBox - 24.0 / 96 * 0.5 - 12.0 / 96 * 0.5, 0.125, 12, 1},
+           {f3, 120.0 - 12.0 / 120 * 0.02 - 12.0 / 96 * 0.5, 0.125, 12, 1}});
+    const ComponentFigures* shared = h.session->result().figuresAt(box);
+    QCOMPARE(shared->runEnd, f2);
+    // Nearest limits at the wire, which carries the whole run: the enabler's 500 ft per run (18 ft),
+    // then the count of 100 (2 fixtures); the 50 V drop limit is further away.
+    const ComponentFigures* end = h.session->result().figuresAt(wire);
+    QCOMPARE(end->nearestCount, 2);
+    QCOMPARE(end->nearest[0].kind, LimitRunLength);
+    QCOMPARE(end->nearest[0].use, 18.0 / 500);
+    QCOMPARE(end->nearest[1].kind, LimitFixtureCount);
+    QCOMPARE(end->nearest[1].use, 2.0 / 100);
+
+    // Feedwise: enabler -> Feedwise branch wire (10 ft, 0.02 ohm) -> receiver -> F1 -> F2. The
+    // receiver is passed like any component of the run.
+    const CWidget* receiver = h.feedwiseReceiver();
+    wire = receiver->parentWidget();
+    f1 = h.doc().addFixture(plain);
+    f2 = h.doc().addFixture(plain);
+    const double atWire = 120.0 - 29.0 / 120 * 0.02;
+    const double atReceiver = atWire - 29.0 / 60 * 0.1;
+    const double receiverCurrent = 0.25 + 5.0 / 120 / 0.5;
+    check({{h.root(), 120.0, receiverCurrent, 29, 1},
+           {wire, atWire, receiverCurrent, 29, 1},
+           {receiver, atReceiver, receiverCurrent, 29, 1},
+           {f1, atReceiver - 24.0 / 96 * 0.5, 0.25, 24, 1},
+           {f2, atReceiver - 24.0 / 96 * 0.5 - 12.0 / 96 * 0.5, 0.125, 12, 1}});
+}
+
+// The figures ride along the walk: with them on or off every total, message and run is the same.
+void TestAnalysis::componentFiguresLeaveOutputsUnchanged()
+{
+    Harness h;
+    QVERIFY(h.ready());
+    DLFixture* plain = h.db.fixtureNamed(QStringLiteral("Plain"));
+    const auto compare = [&]() {
+        CircuitInputs in = h.session->inputs();
+        const AnalysisResult on = analyze(h.doc().root(), in, h.db);
+        in.componentFigures = false;
+        const AnalysisResult off = analyze(h.doc().root(), in, h.db);
+        QVERIFY(!on.components().isEmpty());
+        QVERIFY(off.components().isEmpty());
+        QCOMPARE(on.logLines(), off.logLines());
+        QCOMPARE(on.runMessages, off.runMessages);
+        QCOMPARE(on.flagged, off.flagged);
+        QCOMPARE(on.errorMarks, off.errorMarks);
+        QCOMPARE(on.runs.size(), off.runs.size());
+        for (qsizetype i = 0; i < on.runs.size(); ++i) {
+            QCOMPARE(on.runs.at(i).voltageDrop, off.runs.at(i).voltageDrop);
+            QCOMPARE(on.runs.at(i).current, off.runs.at(i).current);
+            QCOMPARE(on.runs.at(i).messages, off.runs.at(i).messages);
+        }
+        QCOMPARE(on.totalCurrent, off.totalCurrent);
+        QCOMPARE(on.totalPower, off.totalPower);
+    };
+    // Failing runs of each check fixture, a branched tree and a Feedwise tree.
+    for (const char* fixture : {"Drop Limited", "Share Limited", "Count Limited", "Length Limited"}) {
+        h.chain(QString::fromLatin1(fixture), 6);
+        compare();
+    }
+    h.session->reset();
+    const CWidget* box = h.doc().addJunctionBox();
+    h.add(plain->name, 3);
+    h.doc().setCurrent(box);
+    h.add(plain->name, 2);
+    compare();
+    CWidget* receiver = h.feedwiseReceiver();
+    h.add(plain->name, 4);
+    h.doc().setCurrent(receiver);
+    h.doc().addJunctionBox();
+    h.add(plain->name, 2);
+    compare();
+}

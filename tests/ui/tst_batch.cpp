@@ -3,6 +3,7 @@
 
 #include "TestSupport.h"
 #include "app/CommandLine.h"
+#include "app/Runplan.h"
 #include "calc/Session.h"
 #include "catalog/Database.h"
 #include "catalog/Reporter.h"
@@ -12,8 +13,10 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextEdit>
 
 #include <csignal>
 #include <sys/resource.h>
@@ -46,9 +49,14 @@ private slots:
     void invalidCatalogFails();
     void reportPrintsTheAnalysis();
     void nothingToDoEndsAtOnce();
+    void qtOptionsAndDashedNames();
+    void unattendedWindowKeepsItsOutputs();
+    void designExports();
 
 private:
-    Run run(const QStringList& arguments, const QString& program = QString());
+    Run run(const QStringList& arguments, const QString& program = QString(), int waitMs = 240000,
+            const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment());
+    QString programWithoutCatalog();
     QByteArray engineExport(bool all, const QString& enabler = QString(), const QString& fixture = QString());
     QByteArray readFile(const QString& path);
 
@@ -76,13 +84,15 @@ void TestBatch::cleanup()
     m_dir = nullptr;
 }
 
-Run TestBatch::run(const QStringList& arguments, const QString& program)
+Run TestBatch::run(const QStringList& arguments, const QString& program, int waitMs,
+                   const QProcessEnvironment& env)
 {
     QProcess process;
     process.setWorkingDirectory(m_dir->path());
+    process.setProcessEnvironment(env);
     process.start(program.isEmpty() ? binDirPath() + "/runplan" : program, arguments);
     Run result;
-    if (!process.waitForStarted() || !process.waitForFinished(240000)) {
+    if (!process.waitForStarted() || !process.waitForFinished(waitMs)) {
         process.kill();
         process.waitForFinished();
         result.crashed = true;
@@ -149,6 +159,19 @@ void TestBatch::parsesTheCommandLine()
     o = parseCommandLine({"-NW", "--Maximize-all", "x"});
     QVERIFY(!o.unattended && !o.maximizeAll);
     QCOMPARE(o.projectFile, QStringLiteral("x"));
+
+    // "--report" takes its project whatever it holds; "--" ends the options and the argument
+    // after it is the project.
+    o = parseCommandLine({"-nw", "--report", "my-plan.rpproj"});
+    QVERIFY(o.unattended && o.report);
+    QCOMPARE(o.projectFile, QStringLiteral("my-plan.rpproj"));
+    o = parseCommandLine({"--", "my-plan.rpproj"});
+    QVERIFY(!o.unattended);
+    QCOMPARE(o.projectFile, QStringLiteral("my-plan.rpproj"));
+    o = parseCommandLine({"-f", "F", "--", "-nw"});
+    QVERIFY(!o.unattended);
+    QCOMPARE(o.selections.size(), 1);
+    QCOMPARE(o.projectFile, QStringLiteral("-nw"));
 }
 
 void TestBatch::helpAndVersion()
@@ -158,7 +181,10 @@ void TestBatch::helpAndVersion()
     QCOMPARE(r.exitCode, 0);
     QVERIFY(r.out.startsWith("Usage: runplan"));
     QVERIFY(r.out.contains("--maximize-all"));
-    QVERIFY(r.out.contains("--report"));
+    QVERIFY(r.out.contains("--report FILE"));
+    QVERIFY(r.out.contains("--export-report FILE"));
+    QVERIFY(r.out.contains("--export-bom FILE"));
+    QVERIFY(r.out.contains("\n  --  "));
 
     r = run({"--version"});
     QCOMPARE(r.exitCode, 0);
@@ -223,12 +249,19 @@ void TestBatch::unwritableOutputFails()
     QVERIFY(!QFile::exists(m_dir->filePath("full.csv")));
 }
 
+// A copy of the program in the working folder, where no catalog lies beside it.
+QString TestBatch::programWithoutCatalog()
+{
+    const QString program = m_dir->filePath("runplan");
+    if (!QFile::exists(program) && QFile::copy(binDirPath() + "/runplan", program))
+        QFile::setPermissions(program, QFile::permissions(program) | QFileDevice::ExeOwner);
+    return program;
+}
+
 void TestBatch::invalidCatalogFails()
 {
     // A copy of the program beside a broken catalog.
-    const QString program = m_dir->filePath("runplan");
-    QVERIFY(QFile::copy(binDirPath() + "/runplan", program));
-    QFile::setPermissions(program, QFile::permissions(program) | QFileDevice::ExeOwner);
+    const QString program = programWithoutCatalog();
     QFile catalog(m_dir->filePath("vx_config_dl.xml"));
     QVERIFY(catalog.open(QIODevice::WriteOnly));
     catalog.write("<not a catalog");
@@ -309,6 +342,124 @@ void TestBatch::nothingToDoEndsAtOnce()
     QCOMPARE(r.exitCode, 0);
     QVERIFY(r.err.contains("Command completed"));
     QVERIFY(QDir(m_dir->path()).entryList(QDir::Files).isEmpty());
+}
+
+void TestBatch::qtOptionsAndDashedNames()
+{
+    // Qt's own options first: the run is still unattended, so a missing catalog or project ends
+    // it with a message on standard error instead of a message box nobody can answer.
+    const int hangMs = 60000;
+    Run r = run({"-platform", "offscreen", "-nw", "--maximize-all", "x.csv"}, programWithoutCatalog(), hangMs);
+    QVERIFY(!r.crashed);
+    QCOMPARE(r.exitCode, 1);
+    QVERIFY2(r.err.contains("Cannot read database file"), r.err.constData());
+    r = run({"-platform", "offscreen", "-nw", "--report", "missing.rpproj"}, QString(), hangMs);
+    QVERIFY(!r.crashed);
+    QCOMPARE(r.exitCode, 1);
+    QVERIFY2(r.err.contains("Open Error"), r.err.constData());
+
+    // A project whose name holds a "-" is analysed.
+    QVERIFY(QFile::copy(testDataPath("app/sample.rpproj"), m_dir->filePath("my-plan.rpproj")));
+    r = run({"-nw", "--report", "my-plan.rpproj"});
+    QCOMPARE(r.exitCode, 0);
+    QVERIFY(r.out.contains("Length = "));
+
+    // Without any display a run that wants the window ends with a message.
+    QProcessEnvironment noDisplay = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        noDisplay.remove(QString::fromLatin1(name));
+    r = run({}, QString(), hangMs, noDisplay);
+    QVERIFY(!r.crashed);
+    QCOMPARE(r.exitCode, 1);
+    QVERIFY2(r.err.contains("no display"), r.err.constData());
+}
+
+void TestBatch::unattendedWindowKeepsItsOutputs()
+{
+    // An unattended window keeps no display up to date; what it logs, analyses and exports is
+    // what a shown window does.
+    QVERIFY(Database::instance()->isValid());
+    CommandLineOptions options;
+    options.selections.append({CommandLineOptions::Selection::PowerSupply, QStringLiteral("Line Voltage")});
+    options.selections.append({CommandLineOptions::Selection::Fixture,
+                               QStringLiteral("Linea Cove Dynaline 4ft (208v - 277v)")});
+    Runplan shown;
+    shown.processCommandLine(options);
+    options.unattended = true;
+    Runplan unattended;
+    unattended.processCommandLine(options);
+    QVERIFY(unattended.isRunningBatchCommands());
+
+    QByteArray csv[2];
+    Runplan* windows[2] = {&shown, &unattended};
+    for (int i = 0; i < 2; ++i) {
+        windows[i]->maximize();
+        QBuffer buffer(&csv[i]);
+        buffer.open(QIODevice::WriteOnly | QIODevice::Text);
+        CsvExport::exportCurrentFixture(buffer, *windows[i]);
+    }
+    QVERIFY(unattended.fixtureCount() > 1);
+    QCOMPARE(unattended.fixtureCount(), shown.fixtureCount());
+    QCOMPARE(unattended.lastResult().logLines(), shown.lastResult().logLines());
+    QCOMPARE(csv[1], csv[0]);
+    QVERIFY(csv[0].contains("Linea Cove"));
+    const QTextEdit* logs[2] = {shown.findChild<QTextEdit*>("m_messageBox"),
+                                unattended.findChild<QTextEdit*>("m_messageBox")};
+    QVERIFY(logs[0]->document()->blockCount() > 10);
+    QCOMPARE(logs[1]->toHtml(), logs[0]->toHtml());
+}
+
+// The design report and the bill of materials of a saved plan, beside the --report lines.
+void TestBatch::designExports()
+{
+    const CommandLineOptions o = parseCommandLine(
+        {"-nw", "--export-report", "a.pdf", "--export-bom", "b.csv", "--report", "p.rpproj"});
+    QCOMPARE(o.exportReportFile, QStringLiteral("a.pdf"));
+    QCOMPARE(o.exportBomFile, QStringLiteral("b.csv"));
+    QVERIFY(o.report);
+    QCOMPARE(o.projectFile, QStringLiteral("p.rpproj"));
+
+    for (const char* name : {"sample.rpproj", "overload.rpproj"})
+        QVERIFY(QFile::copy(testDataPath(QStringLiteral("app/") + name), m_dir->filePath(name)));
+    Run r =
+        run({"-nw", "--export-report", "out.pdf", "--export-bom", "bom.csv", "--report", "sample.rpproj"});
+    QVERIFY(!r.crashed);
+    QCOMPARE(r.exitCode, 0);
+    QVERIFY(r.out.startsWith("Length = "));
+    const QByteArray pdf = readFile(m_dir->filePath("out.pdf"));
+    QVERIFY(pdf.startsWith("%PDF-"));
+    const QByteArray bom = readFile(m_dir->filePath("bom.csv"));
+    QVERIFY(bom.startsWith("Kind,Catalog Name,Type,Gauge,Location,Quantity,Total Length (ft)\r\n"
+                           "Enabler,Signal Feeder Pro,,,,1,\r\n"));
+    QVERIFY(bom.contains("\r\nFixture,Stylebar Tunable Dynaline 4ft,,,,6,\r\n"));
+
+    // A failing plan still gets its files, with status 2; a file that cannot be written gives 1,
+    // the reason, and nothing in its place.
+    r = run({"-nw", "--export-bom", "over.csv", "overload.rpproj"});
+    QCOMPARE(r.exitCode, 2);
+    QVERIFY(r.out.isEmpty());
+    QVERIFY(QFile::exists(m_dir->filePath("over.csv")));
+    r = run({"-nw", "--export-report", "missing/out.pdf", "sample.rpproj"});
+    QCOMPARE(r.exitCode, 1);
+    QVERIFY(r.err.contains("cannot write the report missing/out.pdf"));
+    QVERIFY(!QFile::exists(m_dir->filePath("missing/out.pdf")));
+    QCOMPARE(run({"-nw", "--export-bom", "x.csv", "absent.rpproj"}).exitCode, 1);
+    QVERIFY(!QFile::exists(m_dir->filePath("x.csv")));
+
+    // As a reader sees it: a summary page, the run diagram, the run table with the bill of materials.
+    const QString pdftotext = QStandardPaths::findExecutable(QStringLiteral("pdftotext"));
+    if (pdftotext.isEmpty())
+        QSKIP("pdftotext (poppler-utils) is not installed");
+    QProcess text;
+    text.start(pdftotext, {"-layout", m_dir->filePath("out.pdf"), "-"});
+    QVERIFY(text.waitForFinished(60000));
+    const QString pages = QString::fromUtf8(text.readAllStandardOutput());
+    QCOMPARE(pages.count(QLatin1Char('\f')), 3);
+    for (const char* expected :
+         {"Runplan Design Report", "sample.rpproj", "Enabler", "Signal Feeder Pro", "Line voltage", "120 V",
+          "60 Hz", "15 A (derated to 12 A)", "Catalog version", "Runplan 3.17.0", "Result: PASS",
+          "Inrush current", "Run diagram", "Runs", "Bill of materials", "Page 1 of 3", "Page 3 of 3"})
+        QVERIFY2(pages.contains(QLatin1String(expected)), expected);
 }
 
 QTEST_MAIN(TestBatch)

@@ -1,11 +1,13 @@
 // The canvas: placement, connectors and boxes checked on rendered pixels, mouse and keys,
 // deletion, the line key and printing.
 #include "TestSupport.h"
+#include "calc/Analysis.h"
 #include "canvas/CFrame.h"
 #include "catalog/DLRecords.h"
 #include "catalog/Database.h"
 #include "catalog/Reporter.h"
 #include "model/CWidget.h"
+#include "model/CWidgetModel.h"
 #include "model/ConfigDocument.h"
 
 #include <QFile>
@@ -15,6 +17,7 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QToolTip>
 #include <QtTest>
 
 namespace
@@ -89,6 +92,8 @@ private slots:
     void lineKeyPosition();
     void scrolling();
     void printing();
+    void paintsOnlyWhatIsShown();
+    void voltageOverlayAndTooltip();
 };
 
 void TstCanvas::initTestCase()
@@ -419,6 +424,91 @@ void TstCanvas::printing()
     big.setPageOrientation(QPageLayout::Landscape);
     QCOMPARE(printToPdf(single, big, QStringLiteral("single.pdf")), 1);
     QVERIFY(qFuzzyCompare(1100 * single.frame.lastPrintScale(), big.pageRect(QPrinter::DevicePixel).width()));
+}
+
+void TstCanvas::paintsOnlyWhatIsShown()
+{
+    // A paint event draws only what meets the viewport: the screen must show exactly what the
+    // whole tree painted at the same scroll position shows, boxes and connectors cut by the
+    // viewport's edges included.
+    Canvas c(&m_db, QSize(700, 260));
+    c.doc.addSupply(m_feeder);
+    CWidget* box = c.doc.addJunctionBox();
+    for (int branch = 0; branch < 4; ++branch) {
+        c.doc.setCurrent(box);
+        QVERIFY(c.doc.addLeader(m_fixture));
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(c.doc.addFixture(m_fixture));
+    }
+    QVERIFY(QTest::qWaitForWindowExposed(&c.frame));
+    for (const QPoint scroll : {QPoint(0, 0), QPoint(470, 90), QPoint(1200, 200)}) {
+        c.frame.horizontalScrollBar()->setValue(scroll.x());
+        c.frame.verticalScrollBar()->setValue(scroll.y());
+        QWidget* viewport = c.frame.viewport();
+        const QImage shown = viewport->grab().toImage().convertToFormat(QImage::Format_RGB32);
+        QImage whole(viewport->size(), QImage::Format_RGB32);
+        whole.fill(Background);
+        QPainter painter(&whole);
+        painter.setRenderHint(QPainter::Antialiasing);
+        c.frame.paintTree(painter);
+        painter.end();
+        QVERIFY(shown != QImage(viewport->size(), QImage::Format_RGB32));
+        QCOMPARE(shown, whole);
+    }
+}
+
+// Off, the figures change nothing in the painting; on, the voltage under each box takes the colour
+// of its margin to the run's minimum. The tooltip adds the figures to the component's own text.
+void TstCanvas::voltageOverlayAndTooltip()
+{
+    Canvas c(&m_db);
+    c.doc.addSupply(m_feeder);
+    CWidget* fixture = c.doc.addFixture(m_fixture);
+    CircuitInputs in;
+    in.enabler = m_feeder;
+    in.selectedFixture = m_fixture;
+    AnalysisResult result = analyze(c.doc.root(), in, m_db);
+    const QImage plain = c.render();
+    c.frame.setAnalysis(&result);
+    QCOMPARE(c.render(), plain);
+
+    // The fixture's text sits in the gap under its box, right-aligned.
+    const QRect box = c.frame.itemRectOf(fixture);
+    // Which of green, amber and red the (antialiased) text pixels there lean to.
+    const auto textColours = [&](const QImage& img) {
+        QSet<QString> colours;
+        for (int y = box.bottom() + 1; y <= box.bottom() + 8; ++y)
+            for (int x = box.right() - 40; x <= box.right(); ++x) {
+                const QColor p = img.pixelColor(x, y);
+                if (p.green() > p.red() + 60 && p.green() > p.blue() + 60)
+                    colours.insert(QStringLiteral("green"));
+                else if (p.red() > 150 && p.green() >= 70 && p.green() <= 170 && p.blue() < 90)
+                    colours.insert(QStringLiteral("amber"));
+                else if (p.red() > 150 && p.green() < 60 && p.blue() < 60)
+                    colours.insert(QStringLiteral("red"));
+            }
+        return colours;
+    };
+    const ComponentFigures* figures = result.figuresAt(fixture);
+    QVERIFY(figures && figures->minVoltage > 0.0 && figures->voltage > figures->minVoltage * 1.1);
+    c.frame.setShowVoltages(true);
+    QVERIFY(textColours(c.render()) == QSet<QString>{"green"});
+    auto& atFixture = *const_cast<ComponentFigures*>(figures);
+    atFixture.minVoltage = atFixture.voltage / 1.05;
+    QSet<QString> near = textColours(c.render());
+    QVERIFY(near.contains("amber") && !near.contains("red"));
+    atFixture.minVoltage = atFixture.voltage + 1.0;
+    QVERIFY(textColours(c.render()).contains("red"));
+    c.frame.setShowVoltages(false);
+    QCOMPARE(c.render(), plain);
+
+    const QString own = c.doc.model()->data(c.doc.indexOf(fixture), Qt::ToolTipRole).toString();
+    const QPoint at = box.center();
+    QHelpEvent help(QEvent::ToolTip, at, c.frame.viewport()->mapToGlobal(at));
+    QApplication::sendEvent(c.frame.viewport(), &help);
+    const QString tip = QToolTip::text();
+    QVERIFY2(tip.startsWith(own + QStringLiteral("\n\nVoltage: ")), qPrintable(tip));
+    QVERIFY(tip.contains(QStringLiteral("Drop from the enabler: ")));
 }
 
 QTEST_MAIN(TstCanvas)

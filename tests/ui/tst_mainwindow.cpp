@@ -71,6 +71,11 @@ public:
     }
     bool confirmDelete(QWidget*) override { return take("delete", deleteAnswers); }
     int execDialog(QDialog*) override { return take("dialog", m_none) ? QDialog::Accepted : QDialog::Rejected; }
+    QList<bool> recoverAnswers;
+    bool askRecover(QWidget*, const QString& displayName) override
+    {
+        return take("recover", recoverAnswers, {displayName});
+    }
 
 private:
     template <typename T>
@@ -109,6 +114,7 @@ private slots:
     void fieldsAndLogShowOnlyTheirOwn();
     void questionBoxes();
     void withoutACatalog();
+    void designExportsAndShowVoltages();
 
 private:
     // The window's widgets, found by their object names.
@@ -667,6 +673,39 @@ void TestMainWindow::withoutACatalog()
     QVERIFY(child.waitForFinished(120000));
     QVERIFY2(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0,
              child.readAllStandardOutput().constData());
+}
+
+// File › "Export Report..." and "Export Bill of Materials..." write what the user names; View ›
+// "Show Voltages" is off until chosen, and then remembered.
+void TestMainWindow::designExportsAndShowVoltages()
+{
+    auto* show = find<QAction>("actionShowVoltages");
+    auto* canvas = find<CFrame>("m_DL_Frame");
+    QVERIFY(show->isCheckable() && !show->isChecked());
+    QVERIFY(!canvas->showsVoltages());
+    show->trigger();
+    QVERIFY(canvas->showsVoltages());
+    {
+        Runplan again;
+        QVERIFY(again.findChild<QAction*>(QStringLiteral("actionShowVoltages"))->isChecked());
+        QVERIFY(again.findChild<CFrame*>(QStringLiteral("m_DL_Frame"))->showsVoltages());
+    }
+    show->trigger();
+    QVERIFY(!QSettings().value(QStringLiteral("rplan_show_voltages")).toBool());
+
+    const QString csv = m_dir->filePath(QStringLiteral("parts.csv"));
+    const QString pdf = m_dir->filePath(QStringLiteral("plan.pdf"));
+    m_prompter->saveAnswers = {csv, pdf, QString()};
+    find<QAction>("actionExportBillOfMaterials")->trigger();
+    QVERIFY(m_prompter->lastArgs.value(1).endsWith(QStringLiteral("untitled.csv")));
+    QVERIFY(fileText(csv).startsWith(QStringLiteral("Kind,Catalog Name,Type,Gauge,Location,Quantity,Total "
+                                                    "Length (ft)\r\nEnabler,")));
+    find<QAction>("actionExportReport")->trigger();
+    QFile report(pdf);
+    QVERIFY(report.open(QIODevice::ReadOnly));
+    QVERIFY(report.read(5) == "%PDF-");
+    find<QAction>("actionExportReport")->trigger(); // cancelled: nothing written
+    QCOMPARE(m_prompter->asked, (QStringList{"save", "save", "save"}));
 }
 
 QTEST_MAIN(TestMainWindow)

@@ -1,6 +1,9 @@
 #include "update/SettingsDlg.h"
+#include "update/SettingsKeys.h"
 
 #include <QCheckBox>
+#include <QDir>
+#include <QFile>
 #include <QDialogButtonBox>
 #include <QFrame>
 #include <QLineEdit>
@@ -9,6 +12,8 @@
 #include <QSpinBox>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <functional>
 
 namespace
 {
@@ -95,6 +100,8 @@ private slots:
     void firstRunShowsDefaults();
     void cancelWritesNothing();
     void okWritesEveryKey();
+    void unreadableValuesTakeDefaults();
+    void storeIsReadableByItsOwnerOnly();
 
 private:
     QTemporaryDir m_store;
@@ -157,6 +164,68 @@ void TestSettingsDlg::okWritesEveryKey()
     QVERIFY(!c.autoCheck->isChecked());
     QVERIFY(c.proxyFrame->isEnabled());
     QCOMPARE(c.passwordLineEdit->text(), QStringLiteral(" pa ss "));
+}
+
+void TestSettingsDlg::unreadableValuesTakeDefaults()
+{
+    {
+        QSettings settings;
+        settings.setValue(QStringLiteral("proxy_port"), QStringLiteral("abc"));
+        settings.setValue(QStringLiteral("update_never_check"), QStringLiteral("maybe"));
+        settings.setValue(QStringLiteral("use_proxy"), QStringLiteral("yes"));
+        settings.setValue(QStringLiteral("update_check_interval_days"), 400); // beyond the control's 365
+    }
+    {
+        SettingsDlg dlg;
+        Controls c(dlg);
+        QCOMPARE(c.proxyPortSpinBox->value(), 8080);
+        QVERIFY(c.autoCheck->isChecked());
+        QVERIFY(!c.proxyCheckBox->isChecked());
+        QVERIFY(!c.proxyFrame->isEnabled());
+        QCOMPARE(c.interval->value(), 14);
+    }
+    // Readable values, as this program and hand editing write them, are taken.
+    {
+        QSettings settings;
+        settings.setValue(QStringLiteral("proxy_port"), QStringLiteral(" 3128 "));
+        settings.setValue(QStringLiteral("update_never_check"), QStringLiteral("TRUE"));
+        settings.setValue(QStringLiteral("use_proxy"), 1);
+    }
+    SettingsDlg dlg;
+    Controls c(dlg);
+    QCOMPARE(c.proxyPortSpinBox->value(), 3128);
+    QVERIFY(!c.autoCheck->isChecked());
+    QVERIFY(c.proxyCheckBox->isChecked());
+}
+
+void TestSettingsDlg::storeIsReadableByItsOwnerOnly()
+{
+    // The store holds the proxy password: after every write only its owner may read it, also
+    // when the file was readable by others before.
+    const QString path = QSettings().fileName();
+    const auto othersMay = QFileDevice::ReadGroup | QFileDevice::WriteGroup | QFileDevice::ReadOther |
+                           QFileDevice::WriteOther;
+    const auto shared = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup |
+                        QFileDevice::ReadOther;
+    const QList<std::function<void()>> writes{
+        [] {
+            SettingsDlg dlg;
+            Controls c(dlg);
+            c.passwordLineEdit->setText(QStringLiteral("secret"));
+            c.press(QDialogButtonBox::Ok);
+        },
+        [] { RunplanSettings::setLastDirPath(QDir::tempPath()); },
+        [] { RunplanSettings::setMaximizeFixtureFile(QStringLiteral("out.csv")); },
+    };
+    for (const auto& write : writes) {
+        QSettings().setValue(QStringLiteral("rp_window_geometry"), QByteArray("x"));
+        QSettings().sync();
+        QVERIFY(QFile::setPermissions(path, shared));
+        write();
+        QVERIFY(QFile::exists(path));
+        QCOMPARE(QFile::permissions(path) & othersMay, QFileDevice::Permissions());
+        QVERIFY(QFile::permissions(path) & QFileDevice::ReadOwner);
+    }
 }
 
 QTEST_MAIN(TestSettingsDlg)

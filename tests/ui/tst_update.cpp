@@ -1,3 +1,4 @@
+#include "TestSupport.h"
 #include "update/AutoUpdateTool.h"
 #include "update/UpdateChecker.h"
 
@@ -171,6 +172,20 @@ void TestUpdate::readsVersionFile_data()
         << versionFile(releaseXml(4, 0, 0, 0, 0), QStringLiteral("RUNPLAN"), QStringLiteral("Linux")) << QString()
         << noOs;
     QTest::newRow("malformed") << gold.left(gold.size() - 20) << QString() << noApp;
+
+    // Hostile replies: refused before a tree is built, whatever they would have said.
+    auto seed = [](const char* name) {
+        QFile file(testDataPath(QStringLiteral("update/") + QLatin1String(name)));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    const QString tooDeep = QStringLiteral("AUT: version file refused: elements nested more than 32 levels deep");
+    const QString tooLarge = QStringLiteral("AUT: version file refused: larger than 65536 bytes");
+    QTest::newRow("nested inside a newer release") << seed("nested-in-release.xml") << QString() << tooDeep;
+    QTest::newRow("20 000 levels in 60 KB") << seed("nested-20000-levels.xml") << QString() << tooDeep;
+    QTest::newRow("40 000 levels in 280 KB") << QByteArray("<a>").repeated(40000) + QByteArray("</a>").repeated(40000)
+                                             << QString() << tooLarge;
+    QTest::newRow("newer, but over 64 KiB") << versionFile(releaseXml(4, 0, 0, 0, 0)) + QByteArray(65536, ' ')
+                                            << QString() << tooLarge;
 }
 
 void TestUpdate::readsVersionFile()
@@ -243,6 +258,14 @@ void TestUpdate::checkerOverHttp()
     QCOMPARE(downloads.count(), 0);
     QCOMPARE(m_prompter.prompts.size(), 2);
 
+    // A reply far larger than any version file is refused while it downloads.
+    server.respondWith(200, versionFile(releaseXml(4, 0, 0, 0, 0)) + QByteArray(4 << 20, ' '));
+    QTest::ignoreMessage(QtDebugMsg, "AUT:handleReply - reply refused: larger than 65536 bytes");
+    checker.start();
+    QTRY_VERIFY_WITH_TIMEOUT(!checker.tool()->isBusy(), 5000);
+    QCOMPARE(downloads.count(), 0);
+    QCOMPARE(m_prompter.prompts.size(), 2);
+
     // The tool is free again afterwards.
     server.respondWith(200, versionFile(releaseXml(3, 3, 18, 0, 0)));
     checker.start();
@@ -253,29 +276,40 @@ void TestUpdate::checkerOverHttp()
 void TestUpdate::downloadAddressMustBeWebUrl_data()
 {
     QTest::addColumn<QString>("address");
-    QTest::addColumn<bool>("opened");
+    QTest::addColumn<QString>("refusal"); // empty: the address is opened
 
-    QTest::newRow("http") << "http://downloads.vorlux.example/runplan.exe" << true;
-    QTest::newRow("https, upper case") << "HTTPS://downloads.vorlux.example/" << true;
-    QTest::newRow("file") << "file:///C:/Windows/System32/calc.exe" << false;
-    QTest::newRow("unc path") << "\\\\server\\share\\setup.exe" << false;
-    QTest::newRow("ftp") << "ftp://downloads.vorlux.example/runplan.zip" << false;
-    QTest::newRow("javascript") << "javascript:alert(1)" << false;
-    QTest::newRow("no scheme") << "downloads.vorlux.example/runplan" << false;
-    QTest::newRow("no host") << "http:///runplan" << false;
+    const QString notWeb = QStringLiteral("is not an http or https address.");
+    const QString malformed = QStringLiteral("is not a valid web address.");
+    QTest::newRow("http") << "http://downloads.vorlux.example/runplan.exe" << QString();
+    QTest::newRow("https, upper case") << "HTTPS://downloads.vorlux.example/" << QString();
+    QTest::newRow("file") << "file:///C:/Windows/System32/calc.exe" << notWeb;
+    QTest::newRow("unc path") << "\\\\server\\share\\setup.exe" << notWeb;
+    QTest::newRow("ftp") << "ftp://downloads.vorlux.example/runplan.zip" << notWeb;
+    QTest::newRow("javascript") << "javascript:alert(1)" << notWeb;
+    QTest::newRow("no scheme") << "downloads.vorlux.example/runplan" << notWeb;
+    QTest::newRow("no host") << "http:///runplan" << malformed;
+    QTest::newRow("space in host") << "https://downloads vorlux.example/" << malformed;
 }
 
 void TestUpdate::downloadAddressMustBeWebUrl()
 {
     QFETCH(QString, address);
-    QFETCH(bool, opened);
+    QFETCH(QString, refusal);
 
     UpdateChecker checker;
     checker.setShowMessages(true);
     m_prompter.answerYes = true;
     checker.handleUpdateAvailable(QStringLiteral("4.0.0 build 0 - 0 Gold"), address);
-    QCOMPARE(m_prompter.prompts.size(), 1);
-    QCOMPARE(m_opened, opened ? QList<QUrl>{QUrl(address)} : QList<QUrl>());
+    if (refusal.isEmpty()) {
+        QCOMPARE(m_prompter.prompts.size(), 1);
+        QCOMPARE(m_opened, QList<QUrl>{QUrl(address)});
+        return;
+    }
+    // A refused address is not opened, and the user is told why.
+    QCOMPARE(m_prompter.prompts.size(), 2);
+    QCOMPARE(m_prompter.prompts.last(),
+             QStringLiteral("Runplan: The download page was not opened: \"%1\" %2").arg(address, refusal));
+    QVERIFY(m_opened.isEmpty());
 }
 
 QTEST_MAIN(TestUpdate)
