@@ -1,26 +1,14 @@
 // The maximum-count export, driven headless through Session over the export test catalog (its
 // header comment lists what Maximize reaches for each fixture).
-#include "TestSupport.h"
+#include "CatalogFixture.h"
 
 #include "calc/CsvExport.h"
-#include "calc/Session.h"
-#include "catalog/Database.h"
-#include "catalog/Reporter.h"
 #include "model/CWidget.h"
 
 #include <QBuffer>
-#include <QtTest>
-
-#include <memory>
 
 namespace
 {
-
-QByteArray readData(const QString& name)
-{
-    QFile file(testDataPath(QStringLiteral("calc/") + name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 // The session as the export sees it, with the progress a dialog would show and its Cancel.
 struct WatchedSession : ExportHost {
@@ -45,25 +33,16 @@ struct WatchedSession : ExportHost {
     }
 };
 
-struct Harness {
-    Database db;
-    RecordingReporter loadMessages;
-    std::unique_ptr<Session> session;
-    std::unique_ptr<WatchedSession> host;
+struct Harness : CatalogSession {
+    WatchedSession host{*session};
 
-    Harness()
-    {
-        db.loadFile(testDataPath(QStringLiteral("calc/export.xml")), &loadMessages);
-        session = std::make_unique<Session>(db);
-        host = std::make_unique<WatchedSession>(*session);
-    }
-    bool ready() const { return db.isValid() && loadMessages.messages.isEmpty(); }
+    Harness() : CatalogSession(QStringLiteral("calc/export.xml")) {}
 
     QByteArray exportAll(bool* complete = nullptr)
     {
         QBuffer buffer;
         buffer.open(QIODevice::WriteOnly);
-        const bool done = CsvExport::exportAllFixtures(buffer, *host);
+        const bool done = CsvExport::exportAllFixtures(buffer, host);
         if (complete)
             *complete = done;
         return buffer.data();
@@ -73,7 +52,7 @@ struct Harness {
         session->selectFixture(db.fixtureNamed(fixture));
         QBuffer buffer;
         buffer.open(QIODevice::WriteOnly);
-        CsvExport::exportCurrentFixture(buffer, *host);
+        CsvExport::exportCurrentFixture(buffer, host);
         return buffer.data();
     }
 };
@@ -99,8 +78,8 @@ void TestCsvExport::allFixturesTable()
     bool complete = false;
     const QByteArray written = h.exportAll(&complete);
     QVERIFY(complete);
-    QCOMPARE(written, readData(QStringLiteral("export_all.csv")));
-    QCOMPARE(h.host->progressSeen, (QList<int>{25, 50, 75, 100}));
+    COMPARE_GOLDEN(written, "calc/export_all.csv");
+    QCOMPARE(h.host.progressSeen, (QList<int>{25, 50, 75, 100}));
     // The export leaves the last fixture's enabler selected.
     QCOMPARE(h.session->header().supply, QStringLiteral("Line Voltage"));
 }
@@ -109,16 +88,16 @@ void TestCsvExport::cancelStopsBeforeNextRow()
 {
     Harness h;
     QVERIFY(h.ready());
-    h.host->cancelAfterRows = 1;
+    h.host.cancelAfterRows = 1;
     bool complete = true;
     const QByteArray written = h.exportAll(&complete);
     QVERIFY(!complete);
     QCOMPARE(written, QByteArray("Fixtures, 120v, 277v\nAlpha, 2 (8.5ft), 1 (4.3ft)\n"));
-    QCOMPARE(h.host->progressSeen, QList<int>{25});
+    QCOMPARE(h.host.progressSeen, QList<int>{25});
 
     // Cancelled after the last row of the first enabler: no section line follows.
     Harness h2;
-    h2.host->cancelAfterRows = 2;
+    h2.host.cancelAfterRows = 2;
     QVERIFY(!h2.exportAll().contains("Line Voltage,"));
 }
 
@@ -130,7 +109,7 @@ void TestCsvExport::currentFixtureTable()
     QCOMPARE(h.exportCurrent(QStringLiteral("Beta, Wide")),
              QByteArray("Fixtures, 120v\nBeta Wide, 3 (7.5ft)\n\n"));
     // Progress counts against both enablers' rows.
-    QCOMPARE(h.host->progressSeen, QList<int>{25});
+    QCOMPARE(h.host.progressSeen, QList<int>{25});
     // The first voltage starts from a fresh canvas, the next goes on from the tree it left.
     QCOMPARE(h.exportCurrent(QStringLiteral("Alpha")),
              QByteArray("Fixtures, 120v, 277v\nAlpha, 2 (8.5ft), 1 (4.3ft)\n\n"));
@@ -144,12 +123,11 @@ void TestCsvExport::currentFixtureTable()
 
 void TestCsvExport::lengthsAndColumns()
 {
-    QCOMPARE(CsvExport::formatLength(152.54), QStringLiteral("152.5"));
-    QCOMPARE(CsvExport::formatLength(4.25), QStringLiteral("4.3")); // halves away from zero
-    QCOMPARE(CsvExport::formatLength(0.25), QStringLiteral("0.3"));
-    QCOMPARE(CsvExport::formatLength(20.0), QStringLiteral("20"));
-    QCOMPARE(CsvExport::formatLength(0.0), QStringLiteral("0"));
-    QCOMPARE(CsvExport::formatLength(1234567.8), QStringLiteral("1.23457e+06"));
+    // One decimal, halves away from zero, no trailing zero; huge lengths in exponent form.
+    const QList<QPair<double, QString>> lengths{{152.54, "152.5"}, {4.25, "4.3"}, {0.25, "0.3"},
+                                                {20.0, "20"},      {0.0, "0"},    {1234567.8, "1.23457e+06"}};
+    for (const auto& [feet, text] : lengths)
+        QCOMPARE(CsvExport::formatLength(feet), text);
 
     Harness h;
     QVERIFY(h.ready());
