@@ -10,22 +10,12 @@
 namespace
 {
 
-// The session as the export sees it, with the progress a dialog would show and its Cancel.
-struct WatchedSession : ExportHost {
-    Session& s;
+// A session with the progress a dialog would show and its Cancel.
+struct WatchedSession : Session {
+    using Session::Session;
     QList<int> progressSeen;
     int cancelAfterRows = -1; // report a cancel after this many rows
 
-    explicit WatchedSession(Session& session) : s(session) {}
-    const Database& database() const override { return s.database(); }
-    void selectEnabler(const DLPowerSupply* e) override { s.selectEnabler(e); }
-    void selectFixture(const VxFixture* f) override { s.selectFixture(f); }
-    void selectLineVoltage(int volts) override { s.selectLineVoltage(volts); }
-    void resetWithFixture() override { s.resetWithFixture(); }
-    void maximize() override { s.maximize(); }
-    int fixtureCount() const override { return s.fixtureCount(); }
-    double totalLength() const override { return s.totalLength(); }
-    const VxFixture* currentFixture() const override { return s.currentFixture(); }
     bool progress(int percent) override
     {
         progressSeen.append(percent);
@@ -33,26 +23,26 @@ struct WatchedSession : ExportHost {
     }
 };
 
-struct Harness : CatalogSession {
-    WatchedSession host{*session};
+struct Harness : LoadedCatalog {
+    WatchedSession s{db};
 
-    Harness() : CatalogSession(QStringLiteral("calc/export.xml")) {}
+    Harness() : LoadedCatalog(QStringLiteral("calc/export.xml")) {}
 
     QByteArray exportAll(bool* complete = nullptr)
     {
         QBuffer buffer;
         buffer.open(QIODevice::WriteOnly);
-        const bool done = CsvExport::exportAllFixtures(buffer, host);
+        const bool done = CsvExport::exportAllFixtures(buffer, s);
         if (complete)
             *complete = done;
         return buffer.data();
     }
     QByteArray exportCurrent(const QString& fixture)
     {
-        session->selectFixture(db.fixtureNamed(fixture));
+        s.selectFixture(db.fixtureNamed(fixture));
         QBuffer buffer;
         buffer.open(QIODevice::WriteOnly);
-        CsvExport::exportCurrentFixture(buffer, host);
+        CsvExport::exportCurrentFixture(buffer, s);
         return buffer.data();
     }
 };
@@ -79,25 +69,25 @@ void TestCsvExport::allFixturesTable()
     const QByteArray written = h.exportAll(&complete);
     QVERIFY(complete);
     COMPARE_GOLDEN(written, "calc/export_all.csv");
-    QCOMPARE(h.host.progressSeen, (QList<int>{25, 50, 75, 100}));
+    QCOMPARE(h.s.progressSeen, (QList<int>{25, 50, 75, 100}));
     // The export leaves the last fixture's enabler selected.
-    QCOMPARE(h.session->header().supply, QStringLiteral("Line Voltage"));
+    QCOMPARE(h.s.header().supply, QStringLiteral("Line Voltage"));
 }
 
 void TestCsvExport::cancelStopsBeforeNextRow()
 {
     Harness h;
     QVERIFY(h.ready());
-    h.host.cancelAfterRows = 1;
+    h.s.cancelAfterRows = 1;
     bool complete = true;
     const QByteArray written = h.exportAll(&complete);
     QVERIFY(!complete);
     QCOMPARE(written, QByteArray("Fixtures, 120v, 277v\nAlpha, 2 (8.5ft), 1 (4.3ft)\n"));
-    QCOMPARE(h.host.progressSeen, QList<int>{25});
+    QCOMPARE(h.s.progressSeen, QList<int>{25});
 
     // Cancelled after the last row of the first enabler: no section line follows.
     Harness h2;
-    h2.host.cancelAfterRows = 2;
+    h2.s.cancelAfterRows = 2;
     QVERIFY(!h2.exportAll().contains("Line Voltage,"));
 }
 
@@ -105,16 +95,16 @@ void TestCsvExport::currentFixtureTable()
 {
     Harness h;
     QVERIFY(h.ready());
-    h.session->selectEnabler(h.db.supplyNamed(QStringLiteral("Signal Feeder Pro")));
+    h.s.selectEnabler(h.db.supplyNamed(QStringLiteral("Signal Feeder Pro")));
     QCOMPARE(h.exportCurrent(QStringLiteral("Beta, Wide")),
              QByteArray("Fixtures, 120v\nBeta Wide, 3 (7.5ft)\n\n"));
     // Progress counts against both enablers' rows.
-    QCOMPARE(h.host.progressSeen, QList<int>{25});
+    QCOMPARE(h.s.progressSeen, QList<int>{25});
     // The first voltage starts from a fresh canvas, the next goes on from the tree it left.
     QCOMPARE(h.exportCurrent(QStringLiteral("Alpha")),
              QByteArray("Fixtures, 120v, 277v\nAlpha, 2 (8.5ft), 1 (4.3ft)\n\n"));
 
-    h.session->selectEnabler(h.db.supplyNamed(QStringLiteral("Line Voltage")));
+    h.s.selectEnabler(h.db.supplyNamed(QStringLiteral("Line Voltage")));
     QCOMPARE(h.exportCurrent(QStringLiteral("Delta")), QByteArray("Fixtures\nDelta\n\n"));
     // A voltage the catalog lists twice is a column twice here (the all-fixtures table lists it once);
     // the second goes on from the first one's tree.
@@ -140,7 +130,7 @@ void TestCsvExport::sessionSelections()
 {
     Harness h;
     QVERIFY(h.ready());
-    Session& s = *h.session;
+    Session& s = h.s;
     // Constructed like the main window: first enabler, its first fixture, 120 V, a placed enabler.
     QCOMPARE(s.header().supply, QStringLiteral("Signal Feeder Pro"));
     QCOMPARE(s.header().fixture, QStringLiteral("Alpha"));
