@@ -1,15 +1,11 @@
 // Catalog loader, records and per-voltage lookups, driven by the files in tests/data/catalog, by
 // generated hostile documents and by the shipped sample catalog.
 
-#include "catalog/DLRecords.h"
-#include "catalog/Database.h"
-#include "model/CWidget.h"
-#include "model/ConfigDocument.h"
-#include "catalog/Reporter.h"
-
 #include "CatalogFixture.h"
 
-#include <QtTest>
+#include "catalog/DLRecords.h"
+#include "model/CWidget.h"
+
 #include <algorithm>
 #include <climits>
 

@@ -57,7 +57,7 @@ private slots:
     void allFixturesTable();
     void cancelStopsBeforeNextRow();
     void currentFixtureTable();
-    void lengthsAndColumns();
+    void lengths();
     void sessionSelections();
 };
 
@@ -111,19 +111,13 @@ void TestCsvExport::currentFixtureTable()
     QCOMPARE(h.exportCurrent(QStringLiteral("Gamma")), QByteArray("Fixtures, 277v, 277v\nGamma, 2 (20ft), 2 (20ft)\n\n"));
 }
 
-void TestCsvExport::lengthsAndColumns()
+void TestCsvExport::lengths()
 {
     // One decimal, halves away from zero, no trailing zero; huge lengths in exponent form.
     const QList<QPair<double, QString>> lengths{{152.54, "152.5"}, {4.25, "4.3"}, {0.25, "0.3"},
                                                 {20.0, "20"},      {0.0, "0"},    {1234567.8, "1.23457e+06"}};
     for (const auto& [feet, text] : lengths)
         QCOMPARE(CsvExport::formatLength(feet), text);
-
-    Harness h;
-    QVERIFY(h.ready());
-    QCOMPARE(CsvExport::allFixturesColumns(h.db), (QList<int>{120, 277}));
-    QCOMPARE(CsvExport::fixtureColumns(*h.db.fixtureNamed(QStringLiteral("Alpha"))), (QList<int>{120, 277}));
-    QVERIFY(CsvExport::fixtureColumns(*h.db.fixtureNamed(QStringLiteral("Delta"))).isEmpty());
 }
 
 void TestCsvExport::sessionSelections()
