@@ -3,7 +3,6 @@
 #include "CatalogFixture.h"
 
 #include "calc/CsvExport.h"
-#include "model/CWidget.h"
 
 #include <QBuffer>
 
@@ -58,7 +57,6 @@ private slots:
     void cancelStopsBeforeNextRow();
     void currentFixtureTable();
     void lengths();
-    void sessionSelections();
 };
 
 void TestCsvExport::allFixturesTable()
@@ -118,48 +116,6 @@ void TestCsvExport::lengths()
                                                 {20.0, "20"},      {0.0, "0"},    {1234567.8, "1.23457e+06"}};
     for (const auto& [feet, text] : lengths)
         QCOMPARE(CsvExport::formatLength(feet), text);
-}
-
-void TestCsvExport::sessionSelections()
-{
-    Harness h;
-    QVERIFY(h.ready());
-    Session& s = h.s;
-    // Constructed like the main window: first enabler, its first fixture, 120 V, a placed enabler.
-    QCOMPARE(s.header().supply, QStringLiteral("Signal Feeder Pro"));
-    QCOMPARE(s.header().fixture, QStringLiteral("Alpha"));
-    QCOMPARE(s.header().lineVoltage, QStringLiteral("120"));
-    QCOMPARE(s.document().root()->catalogItem()->name, QStringLiteral("Signal Feeder Pro"));
-
-    // A voltage the fixture does not list is refused; one it lists re-runs the analysis.
-    s.resetWithFixture();
-    s.selectLineVoltage(208);
-    QCOMPARE(s.header().lineVoltage, QStringLiteral("120"));
-    s.selectLineVoltage(277);
-    QCOMPARE(s.header().lineVoltage, QStringLiteral("277"));
-    QCOMPARE(s.result().totalPower, 24.0);
-
-    // A fixture keeps the voltage where it lists it, else takes its starting voltage.
-    s.selectFixture(h.db.fixtureNamed(QStringLiteral("Beta, Wide")));
-    QCOMPARE(s.header().lineVoltage, QStringLiteral("120"));
-    s.header().lineVoltage = QStringLiteral("277");
-    s.selectFixture(h.db.fixtureNamed(QStringLiteral("Alpha")));
-    QCOMPARE(s.header().lineVoltage, QStringLiteral("277"));
-
-    // An enabler change resets the canvas to that enabler alone, with its first fixture selected.
-    s.maximize();
-    QVERIFY(s.fixtureCount() > 0);
-    s.selectEnabler(h.db.supplyNamed(QStringLiteral("Line Voltage")));
-    QCOMPARE(s.header().fixture, QStringLiteral("Gamma"));
-    QCOMPARE(s.header().lineVoltage, QStringLiteral("277"));
-    QCOMPARE(s.document().count(ItemAny), 1);
-    QCOMPARE(s.document().root()->catalogItem()->name, QStringLiteral("Line Voltage"));
-    QCOMPARE(s.currentFixture(), h.db.fixtureNamed(QStringLiteral("Gamma")));
-
-    // A custom voltage stays chosen across fixture changes, as in the window.
-    s.header().lineVoltage = QStringLiteral("Other");
-    s.selectFixture(h.db.fixtureNamed(QStringLiteral("Beta, Wide")));
-    QCOMPARE(s.header().lineVoltage, QStringLiteral("Other"));
 }
 
 QTEST_GUILESS_MAIN(TestCsvExport)
