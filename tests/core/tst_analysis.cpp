@@ -259,6 +259,10 @@ void TestAnalysis::outputModesCompound()
     mode->safetyRequired = 0;
     mode->fudgeFactor = 2.0;
     QCOMPARE(h.chain(mode->name, 1).totalVoltageDrop, 22.0 / 120);
+    // The minimum of 110 V against the line voltage in mode 4, against the run voltage (108) in mode 2.
+    QVERIFY(h.chain(QStringLiteral("Min Voltage Mode 4"), 1).pass);
+    QCOMPARE(h.chain(QStringLiteral("Min Voltage Mode 2"), 1).runMessages,
+             QStringList{QStringLiteral("\nVoltage dropped below the fixture type's minimum of 110 volts.")});
 }
 
 void TestAnalysis::gen4BreakerTables_data()
@@ -315,6 +319,14 @@ void TestAnalysis::gen4BreakerTables()
             QStringLiteral("\nFixture count in current run (%1) exceeded the fixture type's maximum (%2).")
                 .arg(fixtures)
                 .arg(maximum));
+    // A type without a maximum switches the count check off for the whole run, whatever the
+    // maximum of the other types in it.
+    if (maximum == 0) {
+        h.add(QStringLiteral("Count Limited"), 4);
+        const AnalysisResult& mixed = h.analyze();
+        QCOMPARE(mixed.runs.first().maxFixtures, 0);
+        QVERIFY(mixed.runMessages.isEmpty());
+    }
 }
 
 void TestAnalysis::receiverAndFamilyChecks()
@@ -323,10 +335,11 @@ void TestAnalysis::receiverAndFamilyChecks()
     QVERIFY(h.ready());
 
     // Two receivers: enabler -> branch -> receiver -> branch -> box -> branch -> receiver.
+    h.header().controller = QStringLiteral("Small");
     h.feedwiseReceiver();
+    QVERIFY(h.analyze().pass); // one receiver: the controller's maximum itself
     h.doc().addJunctionBox();
     h.doc().addReceiver();
-    h.header().controller = QStringLiteral("Small");
     QCOMPARE(h.analyze().circuitMessages,
              QStringLiteral("\nReceiver count (2) exceeded this controller's maximum (1)."));
     h.header().controller = QStringLiteral("Unknown");
@@ -494,7 +507,7 @@ void TestAnalysis::feedwiseWiringAndModes()
     wire->setLocation(QStringLiteral("Tunnel")); // not in the catalog: 294 ft is the limit
     wire->setLength(290);
     QVERIFY(h.analyze().feedwiseOverLimit.isEmpty());
-    wire->setLength(300);
+    wire->setLength(294); // a load of 1 is over
     QCOMPARE(h.analyze().feedwiseOverLimit.size(), 1);
 
     // A mixed tree: receivers and branch wires in either mode agree with the components' own rules.

@@ -114,6 +114,7 @@ private slots:
         QCOMPARE(receiver->maxChildren(), 12);
         receiver->setJunctionBox("No Box");
         QCOMPARE(receiver->maxChildren(), 0);
+        QCOMPARE(ReceiverWidget(&m_db, m_receiver).maxChildren(), 5); // on no wire: as on 12 gauge
 
         // The model refuses an insertion once a parent is full, and leaves the component alone.
         CWidgetModel model;
@@ -283,7 +284,7 @@ private slots:
         }
         QCOMPARE(limits, (QList<int>{25, 175, 25}));
         QCOMPARE(jumper.editorRule(PropLength).value, 4);
-        jumper.setLength(20.0);
+        jumper.setLength(25.0); // a gauge is offered up to its limit included
         QCOMPARE(jumper.editorRule(PropGauge).choices, QStringList{"16"});
 
         // Branch wire lengths by mode, location and gauge.
@@ -302,7 +303,7 @@ private slots:
         QCOMPARE(limits, (QList<int>{427, 294, 150, 175, 999}));
         bw->setGauge("14");
         QCOMPARE(bw->editorRule(PropGauge).choices, QStringList({"12", "14"}));
-        bw->setLength(20.0);
+        bw->setLength(25.0);
         QCOMPARE(bw->editorRule(PropGauge).choices, QStringList({"12", "14", "16"}));
         QCOMPARE(marked(bw->editorRule(PropLocation)), QStringList({"Above Ground", "*Underground"}));
         // Input mode: the parent's mode, or below a receiver "Dynaline" (when the gauge allows
@@ -314,6 +315,8 @@ private slots:
         QCOMPARE(marked(underReceiver->editorRule(PropInputMode)), QStringList({"Dynaline", "*Feedwise"}));
         underReceiver->setGauge("16"); // 25 ft limit, 30 ft wire
         QCOMPARE(underReceiver->editorRule(PropInputMode).choices, QStringList{"Feedwise"});
+        underReceiver->setLength(25.0);
+        QCOMPARE(underReceiver->editorRule(PropInputMode).choices, QStringList({"Dynaline", "Feedwise"}));
         QCOMPARE(FixtureWidget(&m_db, m_bar).editorRule(PropType).kind, EditorRule::None);
     }
 
@@ -471,6 +474,8 @@ private slots:
         // Steps on a fresh document with the Duo enabler: add a "fixture", "jumper", "leader",
         // "box" or "receiver"; select the "parent" or the "root"; "delete" the current component;
         // make the enabler "feedwise"; select "nothing". "family1": the chosen fixture has family 1.
+        // "nobox": the receiver names no junction box, as an old project may; "63receivers": the
+        // most a run holds, each below the one before.
         QTest::addColumn<QString>("steps");
         QTest::addColumn<QString>("enabled");
         QTest::addColumn<int>("jumper");
@@ -492,6 +497,8 @@ private slots:
         QTest::newRow("receiver, family 1") << "feedwise receiver family1" << "receiver box" << same;
         QTest::newRow("fixture on a receiver") << "feedwise receiver fixture" << "fixture" << on;
         QTest::newRow("Feedwise wire with a receiver") << "feedwise receiver parent" << "" << same;
+        QTest::newRow("receiver without a box") << "feedwise receiver nobox" << "" << same;
+        QTest::newRow("63rd receiver") << "feedwise 63receivers" << "fixture leader box maximize" << same;
         QTest::newRow("nothing selected") << "fixture nothing" << "" << off;
     }
 
@@ -528,6 +535,13 @@ private slots:
                 QVERIFY(doc.root()->applyEditorValue(PropOutputMode, "Feedwise"));
             else if (step == "family1")
                 chosen = &familyOne;
+            else if (step == "nobox") {
+                auto* receiver = qobject_cast<ReceiverWidget*>(doc.current());
+                QVERIFY(receiver);
+                receiver->setJunctionBox(QString());
+            } else if (step == "63receivers")
+                for (int i = 0; i < 63; ++i)
+                    QVERIFY(doc.addReceiver());
         }
         const Additions a = doc.allowedAdditions(chosen);
         QStringList on;

@@ -254,6 +254,7 @@ private slots:
         QVERIFY(ProjectFile::read(ProjectFile::toBytes(doc, sampleHeader()), copy, header, nullptr));
         QSignalSpy edited(&copy, &ConfigDocument::componentChanged);
         CWidget* deepest = copy.root();
+        QVERIFY(deepest);
         while (deepest->childCount() > 0)
             deepest = deepest->child(deepest->childCount() - 1);
         const QModelIndex idx = copy.indexOf(deepest);
@@ -307,15 +308,20 @@ private slots:
         buildSmall(doc);
         HeaderValues h;
         QVERIFY(ProjectFile::read(ProjectFile::toBytes(doc, sampleHeader()), doc, h, nullptr));
-        QCOMPARE(qobject_cast<CableWidget*>(doc.root()->child(0)->child(0)->child(0))->length(), 1.0);
+        const CWidget* fixture = doc.root() && doc.root()->child(0) ? doc.root()->child(0)->child(0) : nullptr;
+        auto* jumper = qobject_cast<CableWidget*>(fixture ? fixture->child(0) : nullptr);
+        QVERIFY(jumper);
+        QCOMPARE(jumper->length(), 1.0);
 
         // A supply read from a file never offers "Feedwise", and takes no mode the file leaves out.
         QVERIFY(ProjectFile::read(
             project(QStringLiteral("<CWidget CWidgetItemType=\"0\" name=\"Enabler Feed First\"/>")), doc, h,
             nullptr));
-        QCOMPARE(doc.root()->editorRule(PropOutputMode).choices,
+        auto* supply = qobject_cast<SupplyWidget*>(doc.root());
+        QVERIFY(supply);
+        QCOMPARE(supply->editorRule(PropOutputMode).choices,
                  QStringList({QStringLiteral("Line Voltage"), QStringLiteral("Dynaline")}));
-        QCOMPARE(qobject_cast<SupplyWidget*>(doc.root())->outputMode(), QString());
+        QCOMPARE(supply->outputMode(), QString());
     }
 
     void childOrderOnReading()
@@ -339,13 +345,16 @@ private slots:
                                                          "<CWidget CWidgetItemType=\"6\">%1</CWidget></CWidget>")
                                               .arg(box)),
                                   doc, h, nullptr));
+        QVERIFY(doc.root() && doc.root()->child(0));
         QStringList order;
         for (const CWidget* c : doc.root()->child(0)->children()) {
             auto* b = qobject_cast<const BranchWireWidget*>(c);
             order << (b ? b->location() : QStringLiteral("%1:%2").arg(c->itemType()).arg(c->catalogItem()->name));
         }
         QCOMPARE(order, QStringList({"2:" + kTrough, "2:" + kBar, "1:" + kBar, "B", "A", "C"}));
-        QCOMPARE(doc.root()->child(0)->child(2)->child(1)->catalogItem(), m_trough);
+        const CWidget* read = doc.root()->child(0)->child(2);
+        QVERIFY(read && read->child(1));
+        QCOMPARE(read->child(1)->catalogItem(), m_trough);
     }
 
     void failedSavesKeepTheOldFile()

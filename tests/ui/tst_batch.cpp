@@ -18,6 +18,9 @@
 #include <QTest>
 #include <QTextEdit>
 
+#include <csignal>
+#include <sys/resource.h>
+
 namespace
 {
 struct Run {
@@ -231,6 +234,19 @@ void TestBatch::unwritableOutputFails()
     QVERIFY(r.exitCode != 0);
     QVERIFY2(r.err.contains("cannot write") && r.err.contains("out.csv"), r.err.constData());
     QVERIFY(!QFile::exists(m_dir->filePath(blocked)));
+
+    // A write that stops part-way (a file-size limit the program inherits stands in for a full disk).
+    struct rlimit saved {};
+    QCOMPARE(getrlimit(RLIMIT_FSIZE, &saved), 0);
+    const struct rlimit small{16, saved.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
+    const Run full = run({"-nw", "--maximize-all", "full.csv"});
+    setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, handler);
+    QCOMPARE(full.exitCode, 1);
+    QVERIFY2(full.err.contains("full.csv"), full.err.constData());
+    QVERIFY(!QFile::exists(m_dir->filePath("full.csv")));
 }
 
 // A copy of the program in the working folder, where no catalog lies beside it.

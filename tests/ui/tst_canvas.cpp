@@ -27,14 +27,15 @@ const QColor Red(255, 0, 0);
 const QColor Orange(255, 128, 0);
 const QColor LightBlue(140, 190, 232);
 
-// Whether some pixel within radius of p has (nearly) the colour c: connectors are antialiased.
-bool colourNear(const QImage& img, QPoint p, const QColor& c, int radius = 1)
+// Whether some pixel within radius of p has the colour c, each channel within tolerance:
+// connectors are antialiased at their edges.
+bool colourNear(const QImage& img, QPoint p, const QColor& c, int radius = 1, int tolerance = 12)
 {
     for (int dy = -radius; dy <= radius; ++dy)
         for (int dx = -radius; dx <= radius; ++dx) {
             const QColor found = img.valid(p + QPoint(dx, dy)) ? img.pixelColor(p + QPoint(dx, dy)) : QColor();
-            if (qAbs(found.red() - c.red()) <= 12 && qAbs(found.green() - c.green()) <= 12 &&
-                qAbs(found.blue() - c.blue()) <= 12)
+            if (qAbs(found.red() - c.red()) <= tolerance && qAbs(found.green() - c.green()) <= tolerance &&
+                qAbs(found.blue() - c.blue()) <= tolerance)
                 return true;
         }
     return false;
@@ -45,9 +46,9 @@ QString describe(const QImage& img, QPoint p)
     return QColor(img.pixel(p)).name() + QStringLiteral(" at %1,%2").arg(p.x()).arg(p.y());
 }
 
-// A pixel of (nearly) a colour near a point, or exactly at it.
+// A pixel of nearly a colour near a point, or of exactly that colour at the point.
 #define NEAR_COLOUR(img, point, colour) QVERIFY2(colourNear(img, point, colour), qPrintable(describe(img, point)))
-#define AT_COLOUR(img, point, colour) QVERIFY2(colourNear(img, point, colour, 0), qPrintable(describe(img, point)))
+#define AT_COLOUR(img, point, colour) QVERIFY2(colourNear(img, point, colour, 0, 0), qPrintable(describe(img, point)))
 
 // One configuration shown on a canvas.
 struct Canvas {
@@ -199,6 +200,20 @@ void TstCanvas::connectorColours()
     c.doc.setCurrent(second->parentWidget());
     QVERIFY(c.doc.removeCurrent());
     NEAR_COLOUR(c.render(), QPoint(240, 28), Orange);
+
+    // On a Feedwise enabler the wire and the junction box on it are Feedwise: red, no orange at all.
+    Canvas feedwise(&m_db);
+    QVERIFY(feedwise.doc.addSupply(m_feeder)->applyEditorValue(PropOutputMode, QStringLiteral("Feedwise")));
+    QVERIFY(feedwise.doc.addJunctionBox());
+    const QImage all = feedwise.render();
+    int red = 0, orange = 0;
+    for (int y = 0; y < all.height(); ++y)
+        for (int x = 0; x < all.width(); ++x) {
+            red += colourNear(all, QPoint(x, y), Red, 0, 0);
+            orange += colourNear(all, QPoint(x, y), Orange, 0, 0);
+        }
+    QVERIFY(red > 0);
+    QCOMPARE(orange, 0);
 }
 
 void TstCanvas::boxLook()

@@ -456,6 +456,13 @@ void TestMainWindow::maximizeAndExportMatchTheEngine()
     QVERIFY(doc()->passFlag());
     QCOMPARE(find<QLabel>("m_DL_TotalFixtures_Label")->text(),
              QStringLiteral("Total Fixtures: %1").arg(session.fixtureCount()));
+    // The totals are green while the run passes and red with one fixture more.
+    QLineEdit* watts = find<QLineEdit>("m_DL_TotalPowerWatts_Edit");
+    QCOMPARE(watts->palette().color(QPalette::Base), Runplan::passingFieldColor());
+    click("m_DL_AddFixture_Button");
+    QVERIFY(!doc()->passFlag());
+    QCOMPARE(watts->palette().color(QPalette::Base), Runplan::failingFieldColor());
+    m_window->DL_DeleteLast();
 
     // The export writes what the engine writes, to the file chosen, which is proposed next time.
     const QString chosen = m_dir->filePath("fixture.csv");
@@ -591,6 +598,11 @@ void TestMainWindow::fieldsAndLogShowOnlyTheirOwn()
     m_window->DL_Update();
     QVERIFY(feedwise->isEnabled());
     QCOMPARE(feedwise->text(), QStringLiteral("500.0"));
+    // A load of exactly 1 (294 ft where the location is not in the catalog) is over: red.
+    wire->setLocation(QStringLiteral("Tunnel"));
+    wire->setLength(294.0);
+    m_window->DL_Update();
+    QCOMPARE(feedwise->palette().color(QPalette::Base), Runplan::failingFieldColor());
     doc()->setCurrent(doc()->root());
     m_prompter->deleteAnswers << true;
     m_window->DL_DeleteLast();
