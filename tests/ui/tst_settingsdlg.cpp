@@ -2,9 +2,9 @@
 #include "update/SettingsKeys.h"
 
 #include <QCheckBox>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFile>
-#include <QDialogButtonBox>
 #include <QFrame>
 #include <QLineEdit>
 #include <QPushButton>
@@ -130,9 +130,9 @@ void TestSettingsDlg::okWritesEveryKey()
         c.press(QDialogButtonBox::Ok);
         QCOMPARE(dlg.result(), int(QDialog::Accepted));
     }
-    QCOMPARE(stored(), QStringList({"update_never_check=false", "update_check_interval_days=14",
-                                    "use_proxy=false", "proxy_host=", "proxy_port=8080", "proxy_user=",
-                                    "proxy_password="}));
+    QCOMPARE(stored(),
+             QStringList({"update_never_check=false", "update_check_interval_days=14", "use_proxy=false",
+                          "proxy_host=", "proxy_port=8080", "proxy_user=", "proxy_password="}));
     {
         SettingsDlg dlg;
         Controls c(dlg);
@@ -190,10 +190,10 @@ void TestSettingsDlg::storeIsReadableByItsOwnerOnly()
     // The store holds the proxy password: after every write only its owner may read it, also
     // when the file was readable by others before.
     const QString path = QSettings().fileName();
-    const auto othersMay = QFileDevice::ReadGroup | QFileDevice::WriteGroup | QFileDevice::ReadOther |
-                           QFileDevice::WriteOther;
-    const auto shared = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup |
-                        QFileDevice::ReadOther;
+    const auto othersMay =
+        QFileDevice::ReadGroup | QFileDevice::WriteGroup | QFileDevice::ReadOther | QFileDevice::WriteOther;
+    const auto shared =
+        QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther;
     const QList<std::function<void()>> writes{
         [] {
             SettingsDlg dlg;

@@ -134,8 +134,10 @@ void TestUndo::run(const QString& steps)
         {"enabler", "m_DL_AddSupply_Button"},  {"maximize", "m_DL_Maximize_Button"}};
     static const QHash<QString, int> properties{
         {"mode", PropOutputMode}, {"type", PropType}, {"location", PropLocation}};
-    for (const QString& step : steps.split(',', Qt::SkipEmptyParts)) {
-        const QString name = step.trimmed().section('=', 0, 0);
+    for (QString step : steps.split(',')) {
+        if ((step = step.trimmed()).isEmpty())
+            continue;
+        const QString name = step.section('=', 0, 0);
         const QString value = step.section('=', 1);
         if (buttons.contains(name))
             QTest::mouseClick(find<QPushButton>(buttons.value(name)), Qt::LeftButton);
@@ -165,31 +167,13 @@ void TestUndo::everyKindUndoAndRedo_data()
 {
     QTest::addColumn<QString>("prefix");
     QTest::addColumn<QString>("command");
-    auto row = [](const char* text, const char* prefix, const char* command) {
-        QTest::newRow(text) << QString::fromLatin1(prefix) << QString::fromLatin1(command);
-    };
-    // The row's name is the step's name in the Edit menu.
-    row("Add Fixture", "", "fixture");
-    row("Add Jumper", "fixture", "jumper");
-    row("Add Leader", "", "leader");
-    row("Add Junction Box", "", "box");
-    row("Add Receiver", "mode=Feedwise", "receiver");
-    row("Add Enabler", "mode=Feedwise, root", "enabler");
-    row("Delete Jumper", "fixture, jumper, fixture, jumper, fixture, parent, parent, parent", "delete");
-    row("Delete Fixture", "fixture, jumper, fixture", "delete");
-    row("Delete Enabler", "fixture, root", "delete");
-    row("Change Output Mode", "root", "mode=Feedwise");
-    row("Change Type", "leader", "type=Custom Leader");
-    row("Change Location", "box, parent", "location=Plenum");
-    const char* run = "fixture, jumper, fixture";
-    row("Change Line Voltage", run, "m_DL_LineVoltage_Combo=100");
-    row("Change Max Circuit Load", run, "m_DL_MaxLoad_Combo=20");
-    row("Change Frequency", run, "m_frequencyComboBox=50 Hz");
-    row("Change Enabler", run, "m_DLSupply_Combo=RD-5000");
-    row("Change Fixture", run, "m_DLFixture_Combo=Linea Inline Dynaline 1ft");
-    row("Maximize", "m_DL_LineVoltage_Combo=100, fixture", "maximize");
-    row("Reset", "m_DL_LineVoltage_Combo=100, fixture, jumper, fixture", "reset");
-    row("New", "m_DL_LineVoltage_Combo=100, fixture, jumper, fixture", "new");
+    QFile table(testDataPath(QStringLiteral("app/undo-steps.txt")));
+    QVERIFY(table.open(QIODevice::ReadOnly | QIODevice::Text));
+    for (const QString& line : QString::fromUtf8(table.readAll()).split('\n', Qt::SkipEmptyParts)) {
+        const QStringList cells = line.split('|');
+        if (!line.startsWith('#') && cells.size() == 3)
+            QTest::newRow(qPrintable(cells[0].trimmed())) << cells[1] << cells[2];
+    }
 }
 
 void TestUndo::everyKindUndoAndRedo()
