@@ -31,7 +31,6 @@ private slots:
 
     void columnsFollowTheSelectedComponent();
     void onlyTheSelectedRowShows();
-    void headersAndTheNameColumn();
     void comboChoiceCommitsAtOnce();
     void typedLengthsAreClamped();
     void editorsThatChangeNothing();
@@ -70,6 +69,11 @@ private:
         return nullptr;
     }
     void flushDeletes() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+    void settle() // the view hears of a finished editor through a queued call
+    {
+        QCoreApplication::processEvents();
+        flushDeletes();
+    }
     int logLength() const { return m_window->findChild<QTextEdit*>("m_messageBox")->toPlainText().size(); }
     CWidget* addBranchWire()
     {
@@ -108,10 +112,17 @@ void TestPropertyTable::cleanup()
 
 void TestPropertyTable::columnsFollowTheSelectedComponent()
 {
-    // The enabler: name, output mode and its line-voltage length.
+    QVERIFY(!table()->horizontalHeader()->sectionsClickable());
+    QVERIFY(!table()->verticalHeader()->sectionsClickable());
+    QVERIFY(!model()->headerData(0, Qt::Horizontal, Qt::DecorationRole).isValid());
+    const QPixmap icon = model()->headerData(1, Qt::Horizontal, Qt::DecorationRole).value<QPixmap>();
+    QVERIFY2(!icon.isNull(), "the edit icon comes from the program's resources");
+
+    // The enabler: name, output mode and its line-voltage length. A fixture: its name, not editable.
     QCOMPARE(visibleColumns(), (QList<int>{PropName, PropOutputMode, PropDynaLineLength}));
     click("m_DL_AddFixture_Button");
     QCOMPARE(visibleColumns(), QList<int>{PropName});
+    QVERIFY(openEditor(PropName) == nullptr);
 
     // A jumper made custom gains its gauge and length.
     click("m_DL_AddJumper_Button");
@@ -160,18 +171,6 @@ void TestPropertyTable::onlyTheSelectedRowShows()
         QCOMPARE(table()->shownComponent(), shown);
         QCOMPARE(table()->columnWidth(PropName) >= longName, shown == fixture);
     }
-}
-
-void TestPropertyTable::headersAndTheNameColumn()
-{
-    QVERIFY(!table()->horizontalHeader()->sectionsClickable());
-    QVERIFY(!table()->verticalHeader()->sectionsClickable());
-    QVERIFY(!model()->headerData(0, Qt::Horizontal, Qt::DecorationRole).isValid());
-    const QPixmap icon = model()->headerData(1, Qt::Horizontal, Qt::DecorationRole).value<QPixmap>();
-    QVERIFY2(!icon.isNull(), "the edit icon comes from the program's resources");
-    // The name cannot be edited.
-    click("m_DL_AddFixture_Button");
-    QVERIFY(openEditor(PropName) == nullptr);
 }
 
 void TestPropertyTable::comboChoiceCommitsAtOnce()
@@ -224,9 +223,8 @@ void TestPropertyTable::typedLengthsAreClamped()
         spin->setFocus();
         spin->selectAll();
         QTest::keyClicks(spin, QString::fromLatin1(typed));
-        QTest::keyClick(spin, Qt::Key_Return); // the view hears of it through a queued call
-        QCoreApplication::processEvents();
-        flushDeletes();
+        QTest::keyClick(spin, Qt::Key_Return);
+        settle();
         QVERIFY(editorWidget() == nullptr);
         stored << branch->length();
     }
@@ -246,8 +244,7 @@ void TestPropertyTable::editorsThatChangeNothing()
     auto* line = qobject_cast<QLineEdit*>(openEditor(PropDynaLineLength));
     QVERIFY(line && line->isReadOnly());
     QCOMPARE(line->text(), QString::number(supply->dynaLineLength(), 'g', 6) + QStringLiteral(" ft"));
-    QCoreApplication::processEvents();
-    flushDeletes();
+    settle();
     QCOMPARE(supply->outputMode(), QStringLiteral("Feedwise"));
     supply->setOrdinal(0);
 
@@ -261,12 +258,10 @@ void TestPropertyTable::editorsThatChangeNothing()
     QVERIFY(spin);
     spin->setFocus();
     QTest::keyClick(spin, Qt::Key_Return);
-    QCoreApplication::processEvents();
-    flushDeletes();
+    settle();
     QVERIFY(qobject_cast<ComboBoxPropertyEditor*>(openEditor(PropLocation)));
     QVERIFY(qobject_cast<QSpinBox*>(openEditor(PropLength)));
-    QCoreApplication::processEvents();
-    flushDeletes();
+    settle();
 
     QCOMPARE(branch->length(), length);
     QVERIFY(!doc()->isModified());
