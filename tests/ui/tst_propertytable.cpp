@@ -9,7 +9,6 @@
 #include "model/ConfigDocument.h"
 #include "model/view/CWidgetTableView.h"
 #include "model/view/ComboBoxPropertyEditor.h"
-#include "model/view/TableViewItemDelegate.h"
 
 #include <QFontMetrics>
 #include <QHeaderView>
@@ -32,13 +31,9 @@ private slots:
 
     void columnsFollowTheSelectedComponent();
     void onlyTheSelectedRowShows();
-    void headersAndTheNameColumn();
     void comboChoiceCommitsAtOnce();
     void typedLengthsAreClamped();
     void editorsThatChangeNothing();
-    void readOnlyLengthFigure();
-    void customJumperGainsColumns();
-    void nameColumnFitsTheShownRow();
     void rejectedBoxesLoggedOnce();
 
 private:
@@ -74,6 +69,11 @@ private:
         return nullptr;
     }
     void flushDeletes() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+    void settle() // the view hears of a finished editor through a queued call
+    {
+        QCoreApplication::processEvents();
+        flushDeletes();
+    }
     int logLength() const { return m_window->findChild<QTextEdit*>("m_messageBox")->toPlainText().size(); }
     CWidget* addBranchWire()
     {
@@ -112,16 +112,33 @@ void TestPropertyTable::cleanup()
 
 void TestPropertyTable::columnsFollowTheSelectedComponent()
 {
-    // The enabler: name, output mode and its line-voltage length.
-    QCOMPARE(doc()->current()->itemType(), int(ItemSupply));
-    QCOMPARE(visibleColumns(), (QList<int>{PropName, PropOutputMode, PropDynaLineLength}));
+    QVERIFY(!table()->horizontalHeader()->sectionsClickable());
+    QVERIFY(!table()->verticalHeader()->sectionsClickable());
+    QVERIFY(!model()->headerData(0, Qt::Horizontal, Qt::DecorationRole).isValid());
+    const QPixmap icon = model()->headerData(1, Qt::Horizontal, Qt::DecorationRole).value<QPixmap>();
+    QVERIFY2(!icon.isNull(), "the edit icon comes from the program's resources");
 
+    // The enabler: name, output mode and its line-voltage length. A fixture: its name, not editable.
+    QCOMPARE(visibleColumns(), (QList<int>{PropName, PropOutputMode, PropDynaLineLength}));
     click("m_DL_AddFixture_Button");
     QCOMPARE(visibleColumns(), QList<int>{PropName});
+    QVERIFY(openEditor(PropName) == nullptr);
+
+    // A jumper made custom gains its gauge and length.
+    click("m_DL_AddJumper_Button");
+    CWidget* jumper = doc()->current();
+    QCOMPARE(visibleColumns(), (QList<int>{PropName, PropType}));
+    auto* combo = qobject_cast<ComboBoxPropertyEditor*>(openEditor(PropType));
+    QVERIFY(combo);
+    const int custom = combo->findText(QStringLiteral("Custom"), Qt::MatchContains);
+    QVERIFY2(custom >= 0, "the fixture offers a custom jumper");
+    combo->setCurrentIndex(custom);
+    flushDeletes();
+    QVERIFY(static_cast<CableWidget*>(jumper)->isCustom());
+    QCOMPARE(visibleColumns(), (QList<int>{PropName, PropType, PropGauge, PropLength}));
 
     m_window->on_m_DL_Reset_Button_clicked();
-    CWidget* wire = addBranchWire();
-    QCOMPARE(doc()->current(), wire);
+    addBranchWire();
     QCOMPARE(visibleColumns(), (QList<int>{PropName, PropGauge, PropLength, PropInputMode, PropLocation}));
 
     // Nothing selected, nothing shown.
@@ -132,46 +149,28 @@ void TestPropertyTable::columnsFollowTheSelectedComponent()
 
 void TestPropertyTable::onlyTheSelectedRowShows()
 {
-    // A junction box with two fixtures: each shows alone.
+    // A junction box holding a fixture and a leader: each shows alone, and the Name column fits
+    // whichever is shown.
     click("m_DL_AddJunctionBox_Button");
     CWidget* box = doc()->current();
     click("m_DL_AddFixture_Button");
-    CWidget* first = doc()->current();
+    CWidget* fixture = doc()->current();
     doc()->setCurrent(box);
-    click("m_DL_AddFixture_Button");
-    CWidget* second = doc()->current();
-    QCOMPARE(box->childCount(), 2);
+    click("m_DL_AddLeader_Button");
+    CWidget* leader = doc()->current();
+    QCOMPARE(leader->parentWidget(), box);
+    const QFontMetrics metrics(table()->font());
+    const int longName = metrics.horizontalAdvance(fixture->name());
+    QVERIFY(longName > 2 * metrics.horizontalAdvance(leader->name()));
 
-    for (CWidget* shown : {first, second}) {
+    for (CWidget* shown : {fixture, leader, fixture}) {
         doc()->setCurrent(shown);
         const int row = box->indexOfChild(shown);
         QCOMPARE(table()->rootIndex(), doc()->indexOf(box));
-        QCOMPARE(table()->isRowHidden(row), false);
-        QCOMPARE(table()->isRowHidden(1 - row), true);
+        QVERIFY(!table()->isRowHidden(row) && table()->isRowHidden(1 - row));
         QCOMPARE(table()->shownComponent(), shown);
-        QCOMPARE(table()
-                     ->model()
-                     ->data(table()->rootIndex().model()->index(row, 0, table()->rootIndex()))
-                     .toString(),
-                 shown->name());
+        QCOMPARE(table()->columnWidth(PropName) >= longName, shown == fixture);
     }
-}
-
-void TestPropertyTable::headersAndTheNameColumn()
-{
-    QVERIFY(!table()->horizontalHeader()->sectionsClickable());
-    QVERIFY(!table()->verticalHeader()->sectionsClickable());
-    QCOMPARE(model()->headerData(3, Qt::Horizontal).toString(), QStringLiteral("Length"));
-    QVERIFY(!model()->headerData(0, Qt::Horizontal, Qt::DecorationRole).isValid());
-    const QPixmap icon = model()->headerData(1, Qt::Horizontal, Qt::DecorationRole).value<QPixmap>();
-    QVERIFY2(!icon.isNull(), "the edit icon comes from the program's resources");
-
-    // The name cannot be edited.
-    click("m_DL_AddFixture_Button");
-    QVERIFY(openEditor(PropName) == nullptr);
-    TableViewItemDelegate delegate;
-    QVERIFY(delegate.createEditor(table()->viewport(), QStyleOptionViewItem(),
-                                  doc()->currentIndex().siblingAtColumn(PropName)) == nullptr);
 }
 
 void TestPropertyTable::comboChoiceCommitsAtOnce()
@@ -215,7 +214,6 @@ void TestPropertyTable::typedLengthsAreClamped()
     doc()->root()->applyEditorValue(PropOutputMode, QStringLiteral("Feedwise"));
     auto* branch = static_cast<BranchWireWidget*>(addBranchWire());
     branch->applyEditorValue(PropLocation, QStringLiteral("Plenum"));
-    QCOMPARE((QStringList{branch->effectiveMode(), branch->location()}), QStringList({"Feedwise", "Plenum"}));
 
     QList<double> stored;
     for (const char* typed : {"300", "5000", "0", "120"}) {
@@ -225,9 +223,8 @@ void TestPropertyTable::typedLengthsAreClamped()
         spin->setFocus();
         spin->selectAll();
         QTest::keyClicks(spin, QString::fromLatin1(typed));
-        QTest::keyClick(spin, Qt::Key_Return); // the view hears of it through a queued call
-        QCoreApplication::processEvents();
-        flushDeletes();
+        QTest::keyClick(spin, Qt::Key_Return);
+        settle();
         QVERIFY(editorWidget() == nullptr);
         stored << branch->length();
     }
@@ -243,9 +240,11 @@ void TestPropertyTable::editorsThatChangeNothing()
     supply->setOutputMode(QStringLiteral("Feedwise"));
     auto* modes = qobject_cast<ComboBoxPropertyEditor*>(openEditor(PropOutputMode));
     QVERIFY(modes && modes->currentIndex() < 0);
-    QVERIFY(openEditor(PropDynaLineLength));
-    QCoreApplication::processEvents();
-    flushDeletes();
+    // The enabler's line-voltage length is a figure to read, not to edit.
+    auto* line = qobject_cast<QLineEdit*>(openEditor(PropDynaLineLength));
+    QVERIFY(line && line->isReadOnly());
+    QCOMPARE(line->text(), QString::number(supply->dynaLineLength(), 'g', 6) + QStringLiteral(" ft"));
+    settle();
     QCOMPARE(supply->outputMode(), QStringLiteral("Feedwise"));
     supply->setOrdinal(0);
 
@@ -259,65 +258,14 @@ void TestPropertyTable::editorsThatChangeNothing()
     QVERIFY(spin);
     spin->setFocus();
     QTest::keyClick(spin, Qt::Key_Return);
-    QCoreApplication::processEvents();
-    flushDeletes();
+    settle();
     QVERIFY(qobject_cast<ComboBoxPropertyEditor*>(openEditor(PropLocation)));
     QVERIFY(qobject_cast<QSpinBox*>(openEditor(PropLength)));
-    QCoreApplication::processEvents();
-    flushDeletes();
+    settle();
 
     QCOMPARE(branch->length(), length);
     QVERIFY(!doc()->isModified());
     QCOMPARE(logLength(), logBefore); // no analysis ran
-}
-
-void TestPropertyTable::readOnlyLengthFigure()
-{
-    CWidget* supply = doc()->root();
-    auto* line = qobject_cast<QLineEdit*>(openEditor(PropDynaLineLength));
-    QVERIFY(line);
-    QVERIFY(line->isReadOnly());
-    QCOMPARE(line->text(), QString::number(supply->dynaLineLength(), 'g', 6) + QStringLiteral(" ft"));
-}
-
-void TestPropertyTable::customJumperGainsColumns()
-{
-    click("m_DL_AddFixture_Button");
-    click("m_DL_AddJumper_Button");
-    CWidget* jumper = doc()->current();
-    QCOMPARE(visibleColumns(), (QList<int>{PropName, PropType}));
-
-    auto* combo = qobject_cast<ComboBoxPropertyEditor*>(openEditor(PropType));
-    QVERIFY(combo);
-    const int custom = combo->findText(QStringLiteral("Custom"), Qt::MatchContains);
-    QVERIFY2(custom >= 0, "the fixture offers a custom jumper");
-    combo->setCurrentIndex(custom);
-    flushDeletes();
-    QVERIFY(static_cast<CableWidget*>(jumper)->isCustom());
-    QCOMPARE(visibleColumns(), (QList<int>{PropName, PropType, PropGauge, PropLength}));
-}
-
-void TestPropertyTable::nameColumnFitsTheShownRow()
-{
-    // A junction box holding a fixture and a leader: the Name column fits whichever is shown.
-    click("m_DL_AddJunctionBox_Button");
-    CWidget* box = doc()->current();
-    click("m_DL_AddFixture_Button");
-    CWidget* fixture = doc()->current();
-    doc()->setCurrent(box);
-    click("m_DL_AddLeader_Button");
-    CWidget* leader = doc()->current();
-    QCOMPARE(leader->parentWidget(), box);
-    const QFontMetrics metrics(table()->font());
-    const int longName = metrics.horizontalAdvance(fixture->name());
-    QVERIFY(longName > 2 * metrics.horizontalAdvance(leader->name()));
-
-    doc()->setCurrent(fixture);
-    QVERIFY(table()->columnWidth(PropName) >= longName);
-    doc()->setCurrent(leader);
-    QVERIFY(table()->columnWidth(PropName) < longName);
-    doc()->setCurrent(fixture);
-    QVERIFY(table()->columnWidth(PropName) >= longName);
 }
 
 namespace

@@ -59,7 +59,10 @@ private:
 
 // Records every prompt as "title: text" and answers questions with a preset answer.
 struct RecordingPrompter : UpdatePrompter {
-    void information(const QString& title, const QString& text) override { prompts.append(title + ": " + text); }
+    void information(const QString& title, const QString& text) override
+    {
+        prompts.append(title + ": " + text);
+    }
     bool question(const QString& title, const QString& text) override
     {
         prompts.append(title + ": " + text);
@@ -69,32 +72,17 @@ struct RecordingPrompter : UpdatePrompter {
     bool answerYes = false;
 };
 
-const QString Page = QStringLiteral("https://downloads.vorlux.example/runplan");
-
-QString releaseXml(uint major, uint minor, uint revision, uint build, uint serverBuild,
-                   const QString& url = Page, const QString& type = QStringLiteral("Gold"))
+QByteArray readData(const QString& relative)
 {
-    return QStringLiteral("<Release type=\"%1\"><Major>%2</Major><Minor>%3</Minor><Rev>%4</Rev>"
-                          "<Build>%5</Build><ServerBuildNumber>%6</ServerBuildNumber><URL>%7</URL></Release>")
-        .arg(type)
-        .arg(major)
-        .arg(minor)
-        .arg(revision)
-        .arg(build)
-        .arg(serverBuild)
-        .arg(url);
+    QFile file(testDataPath(relative));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// A version file listing the given releases for one application on one operating system, after a
-// newer release of another application.
-QByteArray versionFile(const QString& releases, const QString& appName = QStringLiteral("RUNPLAN"),
-                       const QString& osName = QStringLiteral("Windows"))
+QStringList g_heard; // what a check reports and logs, line by line
+void recordLog(QtMsgType type, const QMessageLogContext&, const QString& text)
 {
-    return QStringLiteral("<?xml version=\"1.0\"?>\n<Applications>"
-                          "<Application name=\"OTHERTOOL\"><OS name=\"Windows\">%4</OS></Application>"
-                          "<Application name=\"%1\"><OS name=\"%2\">%3</OS></Application></Applications>")
-        .arg(appName, osName, releases, releaseXml(9, 9, 9, 9, 9))
-        .toUtf8();
+    if (type == QtDebugMsg && text.startsWith(QLatin1String("AUT")))
+        g_heard << text;
 }
 } // namespace
 
@@ -122,7 +110,6 @@ private slots:
     void readsVersionFile_data();
     void readsVersionFile();
     void checkerOverHttp();
-    void downloadAddressMustBeWebUrl_data();
     void downloadAddressMustBeWebUrl();
 
 private:
@@ -133,79 +120,42 @@ private:
 void TestUpdate::readsVersionFile_data()
 {
     QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QString>("outcome");
-    QTest::addColumn<QString>("log");
-
-    auto newer = [](const QString& text) { return QStringLiteral("newer %1 | %2").arg(text, Page); };
-    const QString same = QStringLiteral("same 3.3.17 build 0 - 20250205 Gold");
-    const QString noApp =
-        QStringLiteral("AUT::checkForUpdate() No version information for application named RUNPLAN");
-    const QString noOs = QStringLiteral(
-        "AUT::checkForUpdate() No version information for this release and/or OS type for RUNPLAN");
-    const QByteArray gold = versionFile(releaseXml(3, 3, 17, 0, 20250205));
-
-    QTest::newRow("major newer") << versionFile(releaseXml(4, 0, 0, 0, 0)) << newer("4.0.0 build 0 - 0 Gold")
-                                 << QString();
-    QTest::newRow("minor newer") << versionFile(releaseXml(3, 4, 0, 0, 1)) << newer("3.4.0 build 0 - 1 Gold")
-                                 << QString();
-    QTest::newRow("revision newer") << versionFile(releaseXml(3, 3, 18, 0, 0))
-                                    << newer("3.3.18 build 0 - 0 Gold") << QString();
-    QTest::newRow("build newer") << versionFile(releaseXml(3, 3, 17, 1, 0)) << newer("3.3.17 build 1 - 0 Gold")
-                                 << QString();
-    QTest::newRow("server build newer") << versionFile(releaseXml(3, 3, 17, 0, 20250206))
-                                        << newer("3.3.17 build 0 - 20250206 Gold") << QString();
-    QTest::newRow("equal") << gold << same << QString();
-    QTest::newRow("older revision, higher build") << versionFile(releaseXml(3, 3, 16, 99, 99999999)) << same
-                                                  << QString();
-    QTest::newRow("older server build") << versionFile(releaseXml(3, 3, 17, 0, 20250204)) << same << QString();
-    QTest::newRow("older minor, higher revision") << versionFile(releaseXml(3, 2, 99, 0, 0)) << same << QString();
-    QTest::newRow("older major, higher minor") << versionFile(releaseXml(2, 99, 99, 99, 99999999)) << same
-                                               << QString();
-    QTest::newRow("newest of several counts")
-        << versionFile(releaseXml(3, 3, 16, 0, 0) +
-                       releaseXml(3, 3, 18, 2, 7, QStringLiteral("http://b.example/"), QStringLiteral("Beta")) +
-                       releaseXml(3, 3, 17, 0, 20250205))
-        << QStringLiteral("newer 3.3.18 build 2 - 7 Beta | http://b.example/") << QString();
-    QTest::newRow("application missing") << versionFile(releaseXml(4, 0, 0, 0, 0), QStringLiteral("runplan"))
-                                         << QString() << noApp;
-    QTest::newRow("operating system missing")
-        << versionFile(releaseXml(4, 0, 0, 0, 0), QStringLiteral("RUNPLAN"), QStringLiteral("Linux")) << QString()
-        << noOs;
-    QTest::newRow("malformed") << gold.left(gold.size() - 20) << QString() << noApp;
-
+    QTest::addColumn<QString>("golden");
+    // Each update/check/NAME.xml is read by this program, 3.3.17 build 0 - 20250205, and reports
+    // what NAME.out holds.
+    const QString check = QStringLiteral("update/check/");
+    const QDir dir(testDataPath(check));
+    for (const QString& name : dir.entryList({QStringLiteral("*.xml")}))
+        QTest::newRow(qPrintable(name))
+            << readData(check + name) << check + QFileInfo(name).baseName() + ".out";
     // Hostile replies: refused before a tree is built, whatever they would have said.
-    auto seed = [](const char* name) {
-        QFile file(testDataPath(QStringLiteral("update/") + QLatin1String(name)));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    };
-    const QString tooDeep = QStringLiteral("AUT: version file refused: elements nested more than 32 levels deep");
-    const QString tooLarge = QStringLiteral("AUT: version file refused: larger than 65536 bytes");
-    QTest::newRow("nested inside a newer release") << seed("nested-in-release.xml") << QString() << tooDeep;
-    QTest::newRow("20 000 levels in 60 KB") << seed("nested-20000-levels.xml") << QString() << tooDeep;
-    QTest::newRow("40 000 levels in 280 KB") << QByteArray("<a>").repeated(40000) + QByteArray("</a>").repeated(40000)
-                                             << QString() << tooLarge;
-    QTest::newRow("newer, but over 64 KiB") << versionFile(releaseXml(4, 0, 0, 0, 0)) + QByteArray(65536, ' ')
-                                            << QString() << tooLarge;
+    QTest::newRow("nested inside a newer release")
+        << readData("update/nested-in-release.xml") << check + "too-deep.out";
+    QTest::newRow("20 000 levels in 60 KB")
+        << readData("update/nested-20000-levels.xml") << check + "too-deep.out";
+    QTest::newRow("40 000 levels in 280 KB")
+        << QByteArray("<a>").repeated(40000) + QByteArray("</a>").repeated(40000) << check + "too-large.out";
+    QTest::newRow("newer, but over 64 KiB")
+        << readData(check + "newer-major.xml") + QByteArray(65536, ' ') << check + "too-large.out";
 }
 
 void TestUpdate::readsVersionFile()
 {
     QFETCH(QByteArray, content);
-    QFETCH(QString, outcome);
-    QFETCH(QString, log);
+    QFETCH(QString, golden);
 
     AutoUpdateTool tool;
-    QStringList heard;
+    g_heard.clear();
     connect(&tool, &AutoUpdateTool::updateAvailable, &tool, [&](const QString& version, const QString& url) {
-        heard.append(QStringLiteral("newer %1 | %2").arg(version, url));
+        g_heard << QStringLiteral("newer %1 | %2").arg(version, url);
     });
     connect(&tool, &AutoUpdateTool::noUpdateAvailable, &tool,
-            [&](const QString& version) { heard.append(QStringLiteral("same ") + version); });
-    if (!log.isEmpty())
-        QTest::ignoreMessage(QtDebugMsg, qPrintable(log));
+            [&](const QString& version) { g_heard << QStringLiteral("same ") + version; });
+    const QtMessageHandler previous = qInstallMessageHandler(recordLog);
     tool.parseVersionFile(content);
     tool.checkForUpdate(QStringLiteral("RUNPLAN"), UpdateIdentity::ownVersion());
-    QCOMPARE(heard, outcome.isEmpty() ? QStringList() : QStringList{outcome});
+    qInstallMessageHandler(previous);
+    QCOMPARE((g_heard.join('\n') + '\n').toUtf8(), readData(golden));
 }
 
 void TestUpdate::checkerOverHttp()
@@ -220,38 +170,40 @@ void TestUpdate::checkerOverHttp()
     checker.setTimeout(150);
 
     // Newer, and the user says Yes: the download page opens. Two quick presses send one request.
-    const QString page = Page + QStringLiteral("/3.4");
-    server.respondWith(200, versionFile(releaseXml(3, 4, 0, 0, 20250301, page)));
+    server.respondWith(200, readData("update/check/newer-minor.xml"));
     m_prompter.answerYes = true;
     QTest::ignoreMessage(QtDebugMsg, "AUT: getVersionInfo - already busy, returning");
     checker.start();
     checker.start();
     QTRY_COMPARE_WITH_TIMEOUT(m_prompter.prompts.size(), 1, 5000);
     QCOMPARE(m_prompter.prompts.last(),
-             QStringLiteral("Update Available: A newer version (3.4.0 build 0 - 20250301 Gold) of this "
+             QStringLiteral("Update Available: A newer version (3.4.0 build 0 - 1 Gold) of this "
                             "application is available.\n\nWould you like to go to the download page?"));
-    QCOMPARE(m_opened, QList<QUrl>{QUrl(page)});
+    QCOMPARE(m_opened, QList<QUrl>{QUrl("https://downloads.vorlux.example/runplan/3.4")});
     QTest::qWait(50);
     QCOMPARE(server.requestLines, QList<QByteArray>{"GET /software/VxAppVersions.xml HTTP/1.1"});
 
     // Same version.
-    server.respondWith(200, versionFile(releaseXml(3, 3, 17, 0, 20250205, page)));
+    server.respondWith(200, readData("update/check/same-version.xml"));
     checker.start();
     QTRY_COMPARE_WITH_TIMEOUT(m_prompter.prompts.size(), 2, 5000);
-    QCOMPARE(m_prompter.prompts.last(),
-             QStringLiteral("No Update Available: You have the latest version: v3.3.17 build 0 - 20250205 Gold"));
+    QCOMPARE(
+        m_prompter.prompts.last(),
+        QStringLiteral("No Update Available: You have the latest version: v3.3.17 build 0 - 20250205 Gold"));
 
     // An HTTP error and an unanswered request both end silently, without a download.
     QSignalSpy downloads(checker.tool(), &AutoUpdateTool::fileDownloadSuccess);
-    server.respondWith(404, versionFile(releaseXml(4, 0, 0, 0, 0)));
-    QTest::ignoreMessage(QtDebugMsg, QRegularExpression(QStringLiteral("^AUT:handleReply - got error message: ")));
+    server.respondWith(404, readData("update/check/newer-major.xml"));
+    QTest::ignoreMessage(QtDebugMsg,
+                         QRegularExpression(QStringLiteral("^AUT:handleReply - got error message: ")));
     checker.start();
     QTRY_COMPARE_WITH_TIMEOUT(server.requestLines.size(), 3, 5000);
     QTRY_VERIFY_WITH_TIMEOUT(!checker.tool()->isBusy(), 5000);
 
     server.stayQuiet();
     QTest::ignoreMessage(QtDebugMsg, "AUT: Busy Timer fired - emitting unable to retrieve file signal.");
-    QTest::ignoreMessage(QtDebugMsg, QRegularExpression(QStringLiteral("^AUT:handleReply - got error message: ")));
+    QTest::ignoreMessage(QtDebugMsg,
+                         QRegularExpression(QStringLiteral("^AUT:handleReply - got error message: ")));
     checker.start();
     QTRY_VERIFY_WITH_TIMEOUT(!checker.tool()->isBusy(), 2000);
     QCOMPARE(server.requestLines.size(), 4);
@@ -259,57 +211,37 @@ void TestUpdate::checkerOverHttp()
     QCOMPARE(m_prompter.prompts.size(), 2);
 
     // A reply far larger than any version file is refused while it downloads.
-    server.respondWith(200, versionFile(releaseXml(4, 0, 0, 0, 0)) + QByteArray(4 << 20, ' '));
+    server.respondWith(200, readData("update/check/newer-major.xml") + QByteArray(4 << 20, ' '));
     QTest::ignoreMessage(QtDebugMsg, "AUT:handleReply - reply refused: larger than 65536 bytes");
     checker.start();
     QTRY_VERIFY_WITH_TIMEOUT(!checker.tool()->isBusy(), 5000);
     QCOMPARE(downloads.count(), 0);
     QCOMPARE(m_prompter.prompts.size(), 2);
-
-    // The tool is free again afterwards.
-    server.respondWith(200, versionFile(releaseXml(3, 3, 18, 0, 0)));
-    checker.start();
-    QTRY_COMPARE_WITH_TIMEOUT(m_prompter.prompts.size(), 3, 5000);
-    QVERIFY(m_prompter.prompts.last().startsWith(QStringLiteral("Update Available: ")));
-}
-
-void TestUpdate::downloadAddressMustBeWebUrl_data()
-{
-    QTest::addColumn<QString>("address");
-    QTest::addColumn<QString>("refusal"); // empty: the address is opened
-
-    const QString notWeb = QStringLiteral("is not an http or https address.");
-    const QString malformed = QStringLiteral("is not a valid web address.");
-    QTest::newRow("http") << "http://downloads.vorlux.example/runplan.exe" << QString();
-    QTest::newRow("https, upper case") << "HTTPS://downloads.vorlux.example/" << QString();
-    QTest::newRow("file") << "file:///C:/Windows/System32/calc.exe" << notWeb;
-    QTest::newRow("unc path") << "\\\\server\\share\\setup.exe" << notWeb;
-    QTest::newRow("ftp") << "ftp://downloads.vorlux.example/runplan.zip" << notWeb;
-    QTest::newRow("javascript") << "javascript:alert(1)" << notWeb;
-    QTest::newRow("no scheme") << "downloads.vorlux.example/runplan" << notWeb;
-    QTest::newRow("no host") << "http:///runplan" << malformed;
-    QTest::newRow("space in host") << "https://downloads vorlux.example/" << malformed;
 }
 
 void TestUpdate::downloadAddressMustBeWebUrl()
 {
-    QFETCH(QString, address);
-    QFETCH(QString, refusal);
-
+    // Empty refusal: the address is opened. A refused address is not opened and the user is told why.
+    const QString notWeb = QStringLiteral("is not an http or https address.");
+    const QString malformed = QStringLiteral("is not a valid web address.");
+    const QList<QPair<QString, QString>> addresses{
+        {"http://downloads.vorlux.example/runplan.exe", {}},    {"HTTPS://downloads.vorlux.example/", {}},
+        {"file:///C:/Windows/System32/calc.exe", notWeb},       {"\\\\server\\share\\setup.exe", notWeb},
+        {"ftp://downloads.vorlux.example/runplan.zip", notWeb}, {"javascript:alert(1)", notWeb},
+        {"downloads.vorlux.example/runplan", notWeb},           {"http:///runplan", malformed},
+        {"https://downloads vorlux.example/", malformed}};
     UpdateChecker checker;
     checker.setShowMessages(true);
     m_prompter.answerYes = true;
-    checker.handleUpdateAvailable(QStringLiteral("4.0.0 build 0 - 0 Gold"), address);
-    if (refusal.isEmpty()) {
-        QCOMPARE(m_prompter.prompts.size(), 1);
-        QCOMPARE(m_opened, QList<QUrl>{QUrl(address)});
-        return;
+    for (const auto& [address, refusal] : addresses) {
+        m_prompter.prompts.clear();
+        m_opened.clear();
+        checker.handleUpdateAvailable(QStringLiteral("4.0.0 build 0 - 0 Gold"), address);
+        const QStringList refused{
+            QStringLiteral("Runplan: The download page was not opened: \"%1\" %2").arg(address, refusal)};
+        QCOMPARE(m_prompter.prompts.mid(1), refusal.isEmpty() ? QStringList() : refused);
+        QCOMPARE(m_opened, refusal.isEmpty() ? QList<QUrl>{QUrl(address)} : QList<QUrl>());
     }
-    // A refused address is not opened, and the user is told why.
-    QCOMPARE(m_prompter.prompts.size(), 2);
-    QCOMPARE(m_prompter.prompts.last(),
-             QStringLiteral("Runplan: The download page was not opened: \"%1\" %2").arg(address, refusal));
-    QVERIFY(m_opened.isEmpty());
 }
 
 QTEST_MAIN(TestUpdate)
