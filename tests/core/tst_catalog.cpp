@@ -1,64 +1,23 @@
 // Catalog loader, records and per-voltage lookups, driven by the files in tests/data/catalog, by
 // generated hostile documents and by the shipped sample catalog.
 
+#include "CatalogFixture.h"
+
 #include "catalog/DLRecords.h"
-#include "catalog/Database.h"
 #include "model/CWidget.h"
-#include "model/ConfigDocument.h"
-#include "catalog/Reporter.h"
 
-#include "TestSupport.h"
-
-#include <QDomDocument>
-#include <QFile>
-#include <QRegularExpression>
-#include <QtTest>
 #include <algorithm>
 #include <climits>
 
 namespace
 {
 
-QString catalogFile(const QString& name)
-{
-    return testDataPath(QStringLiteral("catalog/") + name);
-}
-
-QString inFile(const QString& path, const QString& rest)
-{
-    return QStringLiteral("Error in database file %1:\n").arg(path) + rest;
-}
-
-QString fieldMessage(const char* field, const char* record)
-{
-    return QStringLiteral("Error parsing \"%1\" field for %2")
-        .arg(QString::fromUtf8(field), QString::fromUtf8(record));
-}
-
-QString validSupplyMessage(const char* fixture, const char* upperSupply)
-{
-    return QStringLiteral("Error parsing \"Valid Supply\" item for fixture %1.\nSupply %2 not defined.")
-        .arg(QString::fromUtf8(fixture), QString::fromUtf8(upperSupply));
-}
-
-// The message for a file that cannot be opened or that the XML parser refuses, built from the
-// same sources the loader uses (the file's error string; the parser's words, line and column).
-QString refusalFor(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        return QStringLiteral("Cannot read database file %1:\n%2.").arg(path, file.errorString());
-    QDomDocument doc;
-    QString message;
-    int line = 0;
-    int column = 0;
-    if (doc.setContent(file.readAll(), &message, &line, &column))
-        return QStringLiteral("<%1 parses>").arg(path);
-    return QStringLiteral("Error parsing database file %1:\n%2\nLine %3 Column %4")
-        .arg(path, message)
-        .arg(line)
-        .arg(column);
-}
+// A file of tests/data/catalog loaded with a recording reporter.
+struct Loaded : LoadedCatalog {
+    explicit Loaded(const QString& file) : LoadedCatalog(QStringLiteral("catalog/") + file) {}
+};
+// What loading said, word for word, against tests/data/catalog/messages/<name>.txt.
+#define COMPARE_MESSAGES(loaded, name) COMPARE_GOLDEN((loaded).messageText(), "catalog/messages/" name ".txt")
 
 bool isEmptyCatalog(const Database& db)
 {
@@ -75,18 +34,6 @@ template <typename List> QStringList namesOf(const List& records)
     return out;
 }
 
-// One catalog file loaded with a recording reporter.
-struct Loaded {
-    explicit Loaded(const char* file) : path(catalogFile(QString::fromUtf8(file)))
-    {
-        ok = db.loadFile(path, &rep);
-    }
-    QString path;
-    Database db;
-    RecordingReporter rep;
-    bool ok = false;
-};
-
 const char* const PlainFixtureFields =
     "<MaxTemp>40</MaxTemp><Resistance>10</Resistance><ElectricalLength>1</ElectricalLength>"
     "<FudgeFactor>1</FudgeFactor><SafetyRequired>0</SafetyRequired><StartingVoltage>120</StartingVoltage>"
@@ -99,39 +46,31 @@ class TestCatalog : public QObject
     Q_OBJECT
 
 private slots:
-    void refusedFiles_data()
-    {
-        QTest::addColumn<QString>("path");
-        QTest::newRow("absent") << catalogFile("absent.xml");
-        QTest::newRow("empty") << catalogFile("empty.xml");
-        QTest::newRow("binary garbage") << catalogFile("garbage.bin");
-        QTest::newRow("truncated") << catalogFile("truncated.xml");
-        QTest::newRow("entity expansion bomb") << catalogFile("entity_bomb.xml");
-    }
-
     void refusedFiles()
     {
-        QFETCH(QString, path);
-        Database db;
-        RecordingReporter rep;
-        QVERIFY(!db.loadFile(path, &rep));
-        QCOMPARE(rep.texts(), QStringList{refusalFor(path)});
-        QVERIFY(rep.messages.first().kind == Reporter::Kind::Warning);
-        // A refused file contributes nothing, not even the records before the damage.
-        QVERIFY(isEmptyCatalog(db));
+        QByteArray said;
+        for (const char* name : {"absent.xml", "empty.xml", "garbage.bin", "truncated.xml", "entity_bomb.xml"}) {
+            Loaded l(QString::fromUtf8(name));
+            QVERIFY2(!l.loaded && l.loadMessages.messages.size() == 1, name);
+            QVERIFY(l.loadMessages.messages.first().kind == Reporter::Kind::Warning);
+            // A refused file contributes nothing, not even the records before the damage.
+            QVERIFY2(isEmptyCatalog(l.db), name);
+            said += l.messageText();
+        }
+        // Word for word: the file's error string, or the parser's words, line and column.
+        COMPARE_GOLDEN(said, "catalog/messages/refused.txt");
     }
 
     void documentShapeAndVersion()
     {
         Loaded only("only_version.xml");
-        QVERIFY(only.ok && only.db.isValid());
-        QCOMPARE(only.rep.texts(), QStringList());
+        QVERIFY(only.ready());
         QCOMPARE(only.db.version(), "empty-1");
 
         // The version is only read directly below the root; loading goes on without it.
         Loaded nested("version_nested.xml");
-        QVERIFY(nested.ok && nested.db.isValid());
-        QCOMPARE(nested.rep.texts(), QStringList{inFile(nested.path, "DBVersion  not found.")});
+        QVERIFY(nested.loaded && nested.db.isValid());
+        COMPARE_MESSAGES(nested, "version_nested");
         QCOMPARE(nested.db.controllers().value("Studio"), 16);
 
         // An external entity is never fetched.
@@ -141,10 +80,11 @@ private slots:
 
         // A second load keeps the first version.
         Loaded maps("maps.xml");
-        maps.rep.clear();
-        QVERIFY(maps.db.loadFile(only.path, &maps.rep));
-        QCOMPARE(maps.rep.texts(),
-                 QStringList{inFile(only.path, "DBVersion empty-1 does not match previous (maps-1)")});
+        maps.loadMessages.clear();
+        QVERIFY(maps.db.loadFile(only.path, &maps.loadMessages));
+        QCOMPARE(maps.loadMessages.texts(),
+                 QStringList{QStringLiteral("Error in database file %1:\nDBVersion empty-1 does not match "
+                                            "previous (maps-1)").arg(only.path)});
         QCOMPARE(maps.db.version(), "maps-1");
     }
 
@@ -152,7 +92,7 @@ private slots:
     {
         Loaded l("maps.xml");
         // The third branch wire has no Resistance; its ElectricalLength is then not read either.
-        QCOMPARE(l.rep.texts(), QStringList{fieldMessage("Resistance", "BranchWire")});
+        COMPARE_MESSAGES(l, "maps");
         QCOMPARE(l.db.controllers().keys(),
                  QStringList({"Broken", "Missing", "Overflow", "Second List", "Studio"}));
         QCOMPARE(l.db.controllers().values(), (QList<int>{0, 0, 0, 7, 9}));
@@ -185,11 +125,7 @@ private slots:
     {
         Loaded n("names.xml");
         // A blank name is no name: the document drops whitespace-only text.
-        const auto noName = [&](const char* kind) {
-            return inFile(n.path, QString::fromUtf8(kind) + " element with no Name");
-        };
-        QCOMPARE(n.rep.texts(), (QStringList{noName("JunctionBox"), noName("JunctionBox"), noName("Receiver"),
-                                             noName("Receiver"), noName("PowerSupply"), noName("Fixture")}));
+        COMPARE_MESSAGES(n, "names");
         QCOMPARE(namesOf(n.db.junctionBoxes()), (QStringList{"Box\tTab", "Twin", "Twin"}));
         QCOMPARE(n.db.junctionBoxNamed("Twin")->volume, 1.0f); // the first listed wins
         // Lookups are exact: case matters.
@@ -202,28 +138,14 @@ private slots:
 
         // Only Dynaline products are taken; junction boxes speak of a PowerSupply on purpose.
         Loaded t("types.xml");
-        const auto unknown = [&](const char* what) {
-            return inFile(t.path, QString::fromUtf8(what) + " has unknown type");
-        };
-        QCOMPARE(t.rep.texts(),
-                 (QStringList{unknown("PowerSupply Tintrail Box"), unknown("PowerSupply Typeless Box"),
-                              unknown("PowerSupply Pixel Supply"), unknown("Fixture Ribbon Fixture"),
-                              unknown("Fixture Padded Type Fixture"),
-                              validSupplyMessage("Shouting Fixture", "PIXEL SUPPLY"),
-                              unknown("Fixture Typeless Fixture")}));
+        COMPARE_MESSAGES(t, "types");
         QCOMPARE(namesOf(t.db.supplies()), QStringList{"Mixed Case Supply"});
     }
 
     void suppliesAndValidSupplyLinks()
     {
         Loaded l("supplies.xml");
-        QCOMPARE(l.rep.texts(),
-                 (QStringList{
-                     fieldMessage("Value", "Signal Feeder Pro"),
-                     QStringLiteral(
-                         "Error parsing Zero Supply\nMaxElectricalLength and MaxNumFixtures are both zero"),
-                     validSupplyMessage("Lower Case Link", "GHOST SUPPLY"),
-                     validSupplyMessage("Orphan", "NOBODY"), validSupplyMessage("Orphan", "NOBODY ELSE")}));
+        COMPARE_MESSAGES(l, "supplies");
         const DLPowerSupply* sfp = l.db.supplies().at(0);
         const DLPowerSupply* rd = l.db.supplies().at(1);
         const DLPowerSupply* zero = l.db.supplies().at(2);
@@ -254,23 +176,7 @@ private slots:
     void missingRequiredFieldsAndCables()
     {
         Loaded l("missing_fields.xml");
-        QCOMPARE(
-            l.rep.texts(),
-            (QStringList{
-                fieldMessage("Power", "No Power Receiver"), fieldMessage("PowerFactor", "Empty Receiver"),
-                fieldMessage("Resistance", "Empty Receiver"),
-                fieldMessage("ElectricalLength", "Empty Receiver"), fieldMessage("Power", "Empty Receiver"),
-                fieldMessage("MaxTemp", "No MaxTemp"), fieldMessage("Resistance", "No Resistance"),
-                fieldMessage("ElectricalLength", "No ElectricalLength"),
-                fieldMessage("FudgeFactor", "No FudgeFactor"),
-                fieldMessage("StartingVoltage", "No StartingVoltage"),
-                QStringLiteral(
-                    "Error parsing Zero Drops\nMaxVoltageDrop, MinVoltage, and VoltageDropPercent are zero"),
-                "Error in database file:\nJumper/Leader element with no Name",
-                fieldMessage("Resistance", "No Resistance Leader"),
-                fieldMessage("ElectricalLength", "No Length Leader"),
-                "Error in database file:\nCustomWire element with no Name", fieldMessage("MaxLength", "16"),
-                fieldMessage("Resistance", "18")}));
+        COMPARE_MESSAGES(l, "missing_fields");
         // Every record is kept; fields after a failing one keep their construction values, except
         // Power and the voltage tables, which are read whatever the earlier fields said.
         QCOMPARE(l.db.receivers().size(), 2);
@@ -303,14 +209,7 @@ private slots:
         // Overflow, underflow, hexadecimal, decimal commas and non-finite numbers do not convert;
         // padding, a plus sign, exponents and a signed zero do. Integers take no fraction or exponent.
         Loaded l("numbers.xml");
-        QCOMPARE(l.rep.texts(),
-                 (QStringList{fieldMessage("PowerFactor", "Odd Receiver"),
-                              fieldMessage("ElectricalLength", "Odd Receiver"),
-                              fieldMessage("Power", "Odd Receiver"),
-                              QStringLiteral("Error parsing Signed Zero Supply\nMaxElectricalLength and "
-                                             "MaxNumFixtures are both zero"),
-                              fieldMessage("MaxTemp", "Overflow"), fieldMessage("Resistance", "Not A Number"),
-                              fieldMessage("Value", "Padded")}));
+        COMPARE_MESSAGES(l, "numbers");
         QCOMPARE(l.db.junctionBoxNamed("Odd Box")->volume, 0.0f);
         QVERIFY(l.db.junctionBoxNamed("Padded Box")->volume == 30.25f &&
                 l.db.junctionBoxNamed("Padded Box")->numPorts == 4);
@@ -330,7 +229,7 @@ private slots:
     void perVoltageTablesAndReceivers()
     {
         Loaded l("tables.xml");
-        QCOMPARE(l.rep.texts(), QStringList{fieldMessage("Frequency", "Tintflare Dynaline gen4")});
+        COMPARE_MESSAGES(l, "tables");
         const DLFixture* f = l.db.fixtures().first();
         QCOMPARE(f->resistance, 0.018);
         // Every Voltage element is listed; only positive values are stored; later entries replace earlier.
@@ -346,7 +245,7 @@ private slots:
             (QList<double>{67, 139, 0, 0, 14, 15})); // no nearest-voltage fallback for 220
 
         Loaded r("receivers.xml");
-        QCOMPARE(r.rep.texts(), QStringList());
+        QVERIFY(r.ready());
         const DLReceiver* rx = r.db.receiverNamed("Feedwise Receiver");
         QCOMPARE((QList<double>{rx->maxElectricalLength, rx->powerFactor, rx->resistance, rx->power}),
                  (QList<double>{300, 0.55, 0.045, 4.5}));
@@ -396,118 +295,65 @@ private slots:
         QCOMPARE(db.fixtures().last()->name, QStringLiteral("Fixture %1").arg(fixtures - 1));
     }
 
-    void voltageLookups_data()
-    {
-        QTest::addColumn<QList<int>>("volts");
-        QTest::addColumn<QList<double>>("values");
-        QTest::addColumn<int>("key");
-        QTest::addColumn<double>("nearest");
-        QTest::addColumn<double>("floor");
-        const QList<int> two = {120, 277};
-        const QList<double> twoValues = {1.5, 2.5};
-        QTest::newRow("key 0 gives the default") << two << twoValues << 0 << 9.0 << 9.0;
-        QTest::newRow("empty table") << QList<int>() << QList<double>() << 120 << 0.0 << 9.0;
-        QTest::newRow("208: nearer 277, floor 120") << two << twoValues << 208 << 2.5 << 1.5;
-        QTest::newRow("below all") << two << twoValues << 50 << 1.5 << 0.0;
-        QTest::newRow("above all") << two << twoValues << 480 << 2.5 << 2.5;
-        QTest::newRow("tie goes to the lower voltage")
-            << QList<int>{100, 140} << QList<double>{1.0, 2.0} << 120 << 1.0 << 1.0;
-        QTest::newRow("beyond the search bound")
-            << QList<int>{20000} << QList<double>{4.0} << 120 << 0.0 << 0.0;
-        QTest::newRow("just inside the bound")
-            << QList<int>{10119} << QList<double>{4.0} << 120 << 4.0 << 0.0;
-        QTest::newRow("exact zero entry is the nearest")
-            << QList<int>{120, 130} << QList<double>{0.0, 3.0} << 120 << 0.0 << 0.0;
-    }
-
     void voltageLookups()
     {
-        QFETCH(QList<int>, volts);
-        QFETCH(QList<double>, values);
-        QFETCH(int, key);
-        QMap<int, double> table;
-        for (int i = 0; i < volts.size(); ++i)
-            table.insert(volts.at(i), values.at(i));
-        QTEST(VoltageLookup::nearest(table, key, 9.0), "nearest");
-        QTEST(VoltageLookup::floor(table, key, 9.0), "floor");
-    }
-
-    void junctionBoxCapacity_data()
-    {
-        QTest::addColumn<float>("volume");
-        QTest::addColumn<int>("ports");
-        QTest::addColumn<int>("reservedKind"); // two ports reserved for this kind; -1 for none
-        QTest::addColumn<QList<float>>("entryVolumes");
-        QTest::addColumn<QList<int>>("entryCounts");
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<float>("conductor");
-        QTest::addColumn<float>("allowance");
-        QTest::addColumn<int>("capA");
-        QTest::addColumn<int>("capB");
-        const QList<float> none;
-        const QList<int> noCounts;
-        // Kind 2 also takes the 5.25 allowance; volume decides B: 25 / 6 -> 4.
-        QTest::newRow("kind 2, thick conductor")
-            << 30.25f << 8 << -1 << none << noCounts << 2 << 3.0f << 0.0f << 2 << 4;
-        // Largest entry once, every entry's repeats, plus the extra allowance:
-        // 30.25 - 2.25 - (2 * 2.0 + 1 * 2.25) + 1.5 = 23.25; ports 6 - 2 entries.
-        QTest::newRow("entries and allowance") << 30.25f << 6 << -1 << QList<float>{2.0f, 2.25f}
-                                               << QList<int>{3, 2} << 3 << 2.0f << 1.5f << 3 << 4;
-        QTest::newRow("reserved for this kind")
-            << 42.0f << 6 << 1 << none << noCounts << 1 << 2.0f << 0.0f << 4 << 4;
-        QTest::newRow("reserved for another kind")
-            << 42.0f << 6 << 2 << none << noCounts << 1 << 2.0f << 0.0f << 6 << 6;
-        // A negative room is truncated towards zero, then the smaller of the two wins.
-        QTest::newRow("overfull") << 0.0f << 2 << -1 << QList<float>{10.0f} << QList<int>{1} << 1 << 1.0f
-                                  << 0.0f << -5 << -7;
+        // Nearest and floor lookups with 9 as the default; ties go to the lower voltage, the nearest
+        // search stops 10 000 V away, an exact zero entry is found.
+        const QMap<int, double> two{{120, 1.5}, {277, 2.5}};
+        const struct {
+            QMap<int, double> table;
+            int key;
+            double nearest, floor;
+        } rows[] = {{two, 0, 9, 9},          {{}, 120, 0, 9},          {two, 208, 2.5, 1.5},
+                    {two, 50, 1.5, 0},       {two, 480, 2.5, 2.5},     {{{100, 1}, {140, 2}}, 120, 1, 1},
+                    {{{20000, 4}}, 120, 0, 0}, {{{10119, 4}}, 120, 4, 0}, {{{120, 0}, {130, 3}}, 120, 0, 0}};
+        for (const auto& r : rows) {
+            QCOMPARE(VoltageLookup::nearest(r.table, r.key, 9.0), r.nearest);
+            QCOMPARE(VoltageLookup::floor(r.table, r.key, 9.0), r.floor);
+        }
     }
 
     void junctionBoxCapacity()
     {
-        QFETCH(float, volume);
-        QFETCH(int, ports);
-        QFETCH(int, reservedKind);
-        QFETCH(QList<float>, entryVolumes);
-        QFETCH(QList<int>, entryCounts);
-        QFETCH(int, kind);
-        QFETCH(float, conductor);
-        QFETCH(float, allowance);
-        DLJunctionBox box("Box", VxTechDynaline);
-        box.volume = volume;
-        box.numPorts = ports;
-        if (reservedKind >= 0)
-            box.reservedPorts.insert(reservedKind, 2);
-        QList<BoxEntry> entries;
-        for (int i = 0; i < entryVolumes.size(); ++i)
-            entries.append(BoxEntry{entryVolumes.at(i), entryCounts.at(i)});
-        QTEST(box.capacityA(entries, kind, conductor, allowance), "capA");
-        QTEST(box.capacityB(entries, kind, conductor, allowance), "capB");
-    }
-
-    void sampleCatalog()
-    {
-        Database db;
-        RecordingReporter rep;
-        QVERIFY(db.loadFile(sampleCatalogPath(), &rep));
-        QCOMPARE(rep.texts(), QStringList());
-        QCOMPARE(db.version(), "2025.02.2");
-        // The CSV export walks the supplies' lists; the disabled fixture is linked nowhere.
-        QCOMPARE(
-            (QList<qsizetype>{db.supplies().size(), db.fixtures().size(), db.junctionBoxes().size(),
-                              db.supplies().at(0)->fixtures.size(), db.supplies().at(2)->fixtures.size()}),
-            (QList<qsizetype>{3, 13, 4, 12, 9}));
-        // Unit conversions show in every record: milliohms to ohms, a fraction for the drop percent.
-        for (const DLFixture* f : db.fixtures())
-            QVERIFY2(f->resistance > 0 && f->resistance < 0.1 && f->voltageDropPercent > 0 &&
-                         f->voltageDropPercent < 0.2 && f->validVoltages.contains(f->startingVoltage),
-                     qPrintable(f->name));
+        // Capacities A and B of a box for a conductor of the given kind and size with an extra
+        // allowance; kind 2 also takes the 5.25 allowance. Entries count the largest once and every
+        // entry's repeats; two ports may be reserved for one kind; a negative room truncates
+        // towards zero.
+        const struct {
+            float volume;
+            int ports, reservedKind; // -1: none reserved
+            QList<BoxEntry> entries;
+            int kind;
+            float conductor, allowance;
+            int capA, capB;
+        } rows[] = {{30.25f, 8, -1, {}, 2, 3.0f, 0.0f, 2, 4},                         // B: 25 / 6
+                    {30.25f, 6, -1, {{2.0f, 3}, {2.25f, 2}}, 3, 2.0f, 1.5f, 3, 4}, // 23.25; 6 - 2 ports
+                    {42.0f, 6, 1, {}, 1, 2.0f, 0.0f, 4, 4},
+                    {42.0f, 6, 2, {}, 1, 2.0f, 0.0f, 6, 6},
+                    {0.0f, 2, -1, {{10.0f, 1}}, 1, 1.0f, 0.0f, -5, -7}};
+        for (const auto& r : rows) {
+            DLJunctionBox box("Box", VxTechDynaline);
+            box.volume = r.volume;
+            box.numPorts = r.ports;
+            if (r.reservedKind >= 0)
+                box.reservedPorts.insert(r.reservedKind, 2);
+            QCOMPARE(box.capacityA(r.entries, r.kind, r.conductor, r.allowance), r.capA);
+            QCOMPARE(box.capacityB(r.entries, r.kind, r.conductor, r.allowance), r.capB);
+        }
     }
 
     void sampleCatalogFollowsItsRules()
     {
         // The shipped catalog checked as an engineer would, against its header's rules.
         Database db;
-        QVERIFY(db.loadFile(sampleCatalogPath()));
+        RecordingReporter rep;
+        QVERIFY(db.loadFile(sampleCatalogPath(), &rep) && rep.messages.isEmpty());
+        QCOMPARE(db.version(), "2025.02.2");
+        // The CSV export walks the supplies' lists; the disabled fixture is linked nowhere.
+        QCOMPARE(
+            (QList<qsizetype>{db.supplies().size(), db.fixtures().size(), db.junctionBoxes().size(),
+                              db.supplies().at(0)->fixtures.size(), db.supplies().at(2)->fixtures.size()}),
+            (QList<qsizetype>{3, 13, 4, 12, 9}));
         // Loop resistances: a cable is twice its copper conductor, a fixture at least its own
         // length of its leader's cable.
         const QMap<QString, double> copper{
@@ -531,6 +377,10 @@ private slots:
                          f->resistance > f->electricalLength * leader->resistance,
                      qPrintable(f->name));
             QCOMPARE(f->safetyRequired, 0); // no wiring factor on top of a loop resistance
+            // The drop percent is read as a fraction.
+            QVERIFY2(f->voltageDropPercent > 0 && f->voltageDropPercent < 0.2 &&
+                         f->validVoltages.contains(f->startingVoltage),
+                     qPrintable(f->name));
 
             // Each count is the largest that keeps every limit of the fixture and its enablers; the
             // gen4 breaker tables also keep the circuit's inrush below a B-curve instant trip.

@@ -1,15 +1,11 @@
 // Replays every stored hostile input (the test corpora and whatever the fuzzers ever found) through
 // the parsers, with properties that must hold for any input.
-#include "TestSupport.h"
+#include "CatalogFixture.h"
 
-#include "catalog/Database.h"
-#include "catalog/Reporter.h"
-#include "model/ConfigDocument.h"
 #include "model/HeaderChoices.h"
 #include "model/ProjectFile.h"
 
 #include <QDir>
-#include <QtTest>
 
 class FuzzRegressionsTest : public QObject
 {
@@ -20,14 +16,8 @@ class FuzzRegressionsTest : public QObject
         QStringList out;
         for (const QString& folder : folders)
             for (const QFileInfo& fi : QDir(testDataPath(folder)).entryInfoList(QDir::Files))
-                out.append(fi.absoluteFilePath());
+                out.append(folder + QLatin1Char('/') + fi.fileName());
         return out;
-    }
-
-    static QByteArray bytesOf(const QString& path)
-    {
-        QFile f(path);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
     }
 
 private slots:
@@ -39,7 +29,7 @@ private slots:
         for (const QString& path : files) {
             RecordingReporter rep;
             Database db;
-            const bool ok = db.loadBytes(bytesOf(path), path, &rep);
+            const bool ok = db.loadBytes(testDataBytes(path), path, &rep);
             QCOMPARE(db.isValid(), ok);
             if (!ok) {
                 QVERIFY2(rep.messages.size() == 1, qPrintable(path));
@@ -60,7 +50,7 @@ private slots:
             RecordingReporter rep;
             ConfigDocument doc(&db);
             HeaderValues header;
-            ProjectFile::read(bytesOf(path), doc, header, &rep);
+            ProjectFile::read(testDataBytes(path), doc, header, &rep);
             const QByteArray saved = ProjectFile::toBytes(doc, header);
             ConfigDocument again(&db);
             HeaderValues header2;
