@@ -47,7 +47,7 @@ int maxLength(const CWidget& w)
 
 } // namespace
 
-class ComponentsTest : public QObject
+class TestComponents : public QObject
 {
     Q_OBJECT
 
@@ -582,5 +582,5 @@ private:
     static LeaderWidget* asLeader(CWidget* w) { return qobject_cast<LeaderWidget*>(w); }
 };
 
-QTEST_GUILESS_MAIN(ComponentsTest)
+QTEST_GUILESS_MAIN(TestComponents)
 #include "tst_components.moc"

@@ -7,7 +7,7 @@
 
 #include <QDir>
 
-class FuzzRegressionsTest : public QObject
+class TestFuzzRegressions : public QObject
 {
     Q_OBJECT
 
@@ -60,5 +60,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(FuzzRegressionsTest)
+QTEST_GUILESS_MAIN(TestFuzzRegressions)
 #include "tst_fuzzregressions.moc"

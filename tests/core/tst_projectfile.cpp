@@ -88,7 +88,7 @@ template <typename F> bool asOrdinaryUser(F f)
 
 } // namespace
 
-class ProjectFileTest : public QObject
+class TestProjectFile : public QObject
 {
     Q_OBJECT
 
@@ -527,5 +527,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(ProjectFileTest)
+QTEST_GUILESS_MAIN(TestProjectFile)
 #include "tst_projectfile.moc"

@@ -73,7 +73,7 @@ struct Canvas {
 };
 } // namespace
 
-class TstCanvas : public QObject
+class TestCanvas : public QObject
 {
     Q_OBJECT
 
@@ -96,7 +96,7 @@ private slots:
     void voltageOverlayAndTooltip();
 };
 
-void TstCanvas::initTestCase()
+void TestCanvas::initTestCase()
 {
     Q_INIT_RESOURCE(runplan);
     RecordingReporter reporter;
@@ -107,7 +107,7 @@ void TstCanvas::initTestCase()
     QVERIFY(m_feeder && m_lineVoltage && m_fixture);
 }
 
-void TstCanvas::placement()
+void TestCanvas::placement()
 {
     {
         // A single supply sits at (10, 10) and has no connector.
@@ -159,7 +159,7 @@ void TstCanvas::placement()
     }
 }
 
-void TstCanvas::connectorColours()
+void TestCanvas::connectorColours()
 {
     // Supply, Dynaline wire and junction box; below the box a fixture, a leader and a receiver.
     for (const auto& [supply, wiring] : {std::pair{m_feeder, Orange}, std::pair{m_lineVoltage, LightBlue}}) {
@@ -216,7 +216,7 @@ void TstCanvas::connectorColours()
     QCOMPARE(orange, 0);
 }
 
-void TstCanvas::boxLook()
+void TestCanvas::boxLook()
 {
     Canvas c(&m_db);
     CWidget* root = c.doc.addSupply(m_feeder);
@@ -241,7 +241,7 @@ void TstCanvas::boxLook()
     AT_COLOUR(img, QPoint(13, 81), Background); // the receiver is not filled
 }
 
-void TstCanvas::mouseAndKeys()
+void TestCanvas::mouseAndKeys()
 {
     Canvas c(&m_db, QSize(900, 500));
     c.doc.addSupply(m_feeder);
@@ -274,7 +274,7 @@ void TstCanvas::mouseAndKeys()
     QCOMPARE(c.doc.count(ItemAny), 5);
 }
 
-void TstCanvas::deletion()
+void TestCanvas::deletion()
 {
     Canvas c(&m_db);
     c.doc.addSupply(m_feeder);
@@ -318,7 +318,7 @@ void TstCanvas::deletion()
     QCOMPARE(c.doc.current(), box);
 }
 
-void TstCanvas::lineKeyPosition()
+void TestCanvas::lineKeyPosition()
 {
     Canvas c(&m_db, QSize(600, 400));
     c.doc.addSupply(m_feeder);
@@ -342,7 +342,7 @@ void TstCanvas::lineKeyPosition()
     QCOMPARE(key->geometry().bottomRight(), QPoint(vbarRect.left() - 1, hbarRect.top() - 1));
 }
 
-void TstCanvas::scrolling()
+void TestCanvas::scrolling()
 {
     // Three columns (10, 420, 830) on a canvas narrower than the scroll extent of 3 x 550.
     Canvas c(&m_db, QSize(900, 300));
@@ -385,7 +385,7 @@ void TstCanvas::scrolling()
     QCOMPARE(hbar->value(), c.frame.viewport()->width());
 }
 
-void TstCanvas::printing()
+void TestCanvas::printing()
 {
     QTemporaryDir dir;
     auto printToPdf = [&dir](Canvas& c, QPrinter& printer, const QString& name) {
@@ -425,7 +425,7 @@ void TstCanvas::printing()
     QVERIFY(qFuzzyCompare(1100 * single.frame.lastPrintScale(), big.pageRect(QPrinter::DevicePixel).width()));
 }
 
-void TstCanvas::paintsOnlyWhatIsShown()
+void TestCanvas::paintsOnlyWhatIsShown()
 {
     // A paint event draws only what meets the viewport: the screen must show exactly what the
     // whole tree painted at the same scroll position shows, boxes and connectors cut by the
@@ -458,7 +458,7 @@ void TstCanvas::paintsOnlyWhatIsShown()
 
 // Off, the figures change nothing in the painting; on, the voltage under each box takes the colour
 // of its margin to the run's minimum. The tooltip adds the figures to the component's own text.
-void TstCanvas::voltageOverlayAndTooltip()
+void TestCanvas::voltageOverlayAndTooltip()
 {
     Canvas c(&m_db);
     c.doc.addSupply(m_feeder);
@@ -510,5 +510,5 @@ void TstCanvas::voltageOverlayAndTooltip()
     QVERIFY(tip.contains(QStringLiteral("Drop from the enabler: ")));
 }
 
-QTEST_MAIN(TstCanvas)
+QTEST_MAIN(TestCanvas)
 #include "tst_canvas.moc"

@@ -25,7 +25,7 @@ int whitePixels(const QImage& img, const QRect& band)
 
 } // namespace
 
-class TstSplashAbout : public QObject
+class TestSplashAbout : public QObject
 {
     Q_OBJECT
 private slots:
@@ -35,7 +35,7 @@ private slots:
     void aboutBox();
 };
 
-void TstSplashAbout::captionLines()
+void TestSplashAbout::captionLines()
 {
     QCOMPARE(SplashScreen::versionLine(), QStringLiteral("Version: 3.17.0 20250205-2cbee83"));
     const QString holder = SplashScreen::holderLine();
@@ -43,7 +43,7 @@ void TstSplashAbout::captionLines()
     QVERIFY2(holder.contains(QString::number(QDate::currentDate().year())), qPrintable(holder));
 }
 
-void TstSplashAbout::splashScreen()
+void TestSplashAbout::splashScreen()
 {
     const QPixmap picture(QStringLiteral(":/splash.png"));
     QVERIFY(!picture.isNull());
@@ -71,7 +71,7 @@ void TstSplashAbout::splashScreen()
     QVERIFY(!splash.isVisible());
 }
 
-void TstSplashAbout::aboutBox()
+void TestSplashAbout::aboutBox()
 {
     QWidget owner;
     AboutDialog about(&owner);
@@ -98,5 +98,5 @@ void TstSplashAbout::aboutBox()
     QVERIFY(about.isVisible());
 }
 
-QTEST_MAIN(TstSplashAbout)
+QTEST_MAIN(TestSplashAbout)
 #include "tst_splashabout.moc"
