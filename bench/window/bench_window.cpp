@@ -2,6 +2,7 @@
 // 2 000-component plan and where that time goes, and how long the update check takes to dispose
 // of hostile version-file replies. Prints figures only; it never fails on time.
 #include "app/Runplan.h"
+#include "../BenchTrees.h"
 #include "calc/Session.h"
 #include "canvas/CFrame.h"
 #include "catalog/Database.h"
@@ -46,38 +47,6 @@ double msPerCall(const std::function<void()>& f, int calls)
     return static_cast<double>(timer.nsecsElapsed()) / 1e6 / done;
 }
 
-// Junction boxes three outputs wide and as deep as needed, each box also feeding three runs of
-// fixture, jumper, fixture, until the plan holds n components.
-void buildShortRuns(Session& s, int n)
-{
-    s.reset();
-    ConfigDocument& doc = s.document();
-    DLFixture* fixture = s.selectedFixture();
-    int total = 1;
-    QList<CWidget*> boxes{doc.addJunctionBox()};
-    total += 2;
-    for (int next = 0; next < boxes.size() && total < n; ++next) {
-        CWidget* box = boxes.at(next);
-        for (int run = 0; run < 3 && total < n; ++run) {
-            doc.setCurrent(box);
-            doc.addFixture(fixture);
-            ++total;
-            if (total < n) {
-                doc.addJumper(fixture);
-                ++total;
-            }
-            if (total < n) {
-                doc.addFixture(fixture);
-                ++total;
-            }
-        }
-        for (int sub = 0; sub < 3 && total + 2 <= n; ++sub) {
-            doc.setCurrent(box);
-            boxes.append(doc.addJunctionBox());
-            total += 2;
-        }
-    }
-}
 
 const CWidget* lastLeaf(const CWidget* w)
 {
