@@ -21,15 +21,16 @@
 
 namespace
 {
-// The texts keep the main window's translation context.
+// The context lupdate files these texts under (they are said by DocumentLifecycle's members).
 QString tr(const char* text)
 {
-    return QCoreApplication::translate("Runplan", text);
+    return QCoreApplication::translate("DocumentLifecycle", text);
 }
 
 QString projectFilter()
 {
-    return tr("Configuration Files (*.rpproj);;All Files (*.* *)");
+    return QCoreApplication::translate("DocumentLifecycle",
+                                       "Configuration Files (*.rpproj);;All Files (*.* *)");
 }
 } // namespace
 

@@ -10,9 +10,10 @@
 
 namespace
 {
+// The context lupdate files these texts under: they are all said by DialogPrompter's members.
 QString tr(const char* text)
 {
-    return QCoreApplication::translate("Prompter", text);
+    return QCoreApplication::translate("DialogPrompter", text);
 }
 } // namespace
 

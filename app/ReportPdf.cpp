@@ -20,7 +20,7 @@ namespace
 
 QString tr(const char* text)
 {
-    return QCoreApplication::translate("Report", text);
+    return QCoreApplication::translate("ReportPdf", text);
 }
 
 constexpr double Margin = 40.0;         // pt around the page
@@ -120,8 +120,9 @@ private:
         m_painter->drawLine(QPointF(top.left(), top.bottom() + 2), QPointF(top.right(), top.bottom() + 2));
         const QRectF bottom(m_body.left(), m_body.bottom() + 4, m_body.width(), BandHeight - 4);
         m_painter->setPen(Qt::darkGray);
-        m_painter->drawText(bottom, Qt::AlignHCenter | Qt::AlignVCenter,
-                            tr("Page %1 of %2").arg(m_page).arg(m_total));
+        m_painter->drawText(
+            bottom, Qt::AlignHCenter | Qt::AlignVCenter,
+            QCoreApplication::translate("ReportPdf", "Page %1 of %2").arg(m_page).arg(m_total));
     }
 
     QPdfWriter& m_writer;

@@ -2,6 +2,7 @@
 #include "app/GuiReporter.h"
 #include "app/Runplan.h"
 #include "app/SplashScreen.h"
+#include "app/Translations.h"
 #include "catalog/Database.h"
 
 #include <QApplication>
@@ -83,6 +84,7 @@ int main(int argc, char* argv[])
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QT_WARNING_POP
     QApplication app(argc, argv);
+    installTranslations(app);
 
     // The command line is read once, here, after Qt has taken out its own options ("-platform",
     // "-style", ...): "runplan -platform offscreen -nw ..." is as unattended as "runplan -nw ...".

@@ -20,7 +20,7 @@ namespace
 
 QString tr(const char* text)
 {
-    return QCoreApplication::translate("Report", text);
+    return QCoreApplication::translate("DesignReport", text);
 }
 
 QString kindName(int kind, bool root)

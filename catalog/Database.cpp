@@ -6,8 +6,10 @@
 
 #include <QCoreApplication>
 #include <QDomDocument>
+#include <QDir>
 #include <QDomNodeList>
 #include <QFile>
+#include <QFileInfo>
 
 using namespace FieldReader;
 
@@ -88,9 +90,20 @@ int Database::techTypeFromKeyword(const QString& keyword)
     return VxTechNone;
 }
 
+QString Database::locate(const QString& fileName)
+{
+    const QString dir = QCoreApplication::applicationDirPath();
+    const QString beside = dir + QLatin1Char('/') + fileName;
+    if (QFileInfo::exists(beside))
+        return beside;
+    // An installed program lives in <prefix>/bin with its data in <prefix>/share/runplan.
+    const QString installed = QDir::cleanPath(dir + QStringLiteral("/../share/runplan/") + fileName);
+    return QFileInfo::exists(installed) ? installed : beside;
+}
+
 bool Database::load(const QString& fileName, Reporter* reporter)
 {
-    return loadFile(QCoreApplication::applicationDirPath() + QLatin1Char('/') + fileName, reporter);
+    return loadFile(locate(fileName), reporter);
 }
 
 bool Database::loadFile(const QString& path, Reporter* reporter)

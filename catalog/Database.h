@@ -20,14 +20,18 @@ public:
 
     static constexpr const char* DefaultFileName = "vx_config_dl.xml";
 
-    // The process-wide catalog; the first call loads DefaultFileName beside the executable.
+    // The process-wide catalog; the first call loads DefaultFileName (see locate()).
     static Database* instance();
 
     bool isValid() const { return m_valid; }
     QString version() const { return m_version; }
     QString path() const { return m_path; }
 
-    // Loads fileName from the executable's directory (the program's catalog).
+    // Where the program's catalog fileName is read from: beside the executable, else in
+    // ../share/runplan/ relative to it; when neither exists, the path beside the executable, so
+    // the message for a missing catalog names the first place looked.
+    static QString locate(const QString& fileName);
+    // Loads fileName from where locate() finds it (the program's catalog).
     bool load(const QString& fileName, Reporter* reporter = nullptr);
     // Loads a file by its own path; messages go to the reporter (the global one when null).
     bool loadFile(const QString& path, Reporter* reporter = nullptr);

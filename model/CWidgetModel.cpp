@@ -85,9 +85,9 @@ bool CWidgetModel::setData(const QModelIndex& index, const QVariant& value, int 
 QVariant CWidgetModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     static const char* const headers[PropertyIdCount] = {
-        "Name",       "Type",         "Gauge",
-        "Length",     "Junction Box", "Output Mode",
-        "Input Mode", "Location",     "DL / Line Voltage Length"};
+        QT_TR_NOOP("Name"),       QT_TR_NOOP("Type"),         QT_TR_NOOP("Gauge"),
+        QT_TR_NOOP("Length"),     QT_TR_NOOP("Junction Box"), QT_TR_NOOP("Output Mode"),
+        QT_TR_NOOP("Input Mode"), QT_TR_NOOP("Location"),     QT_TR_NOOP("DL / Line Voltage Length")};
     if (orientation == Qt::Horizontal) {
         if ((role == Qt::DisplayRole || role == Qt::EditRole) && section >= 0 && section < PropertyIdCount)
             return tr(headers[section]);

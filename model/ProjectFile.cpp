@@ -223,7 +223,7 @@ QString parseProblem(const QXmlStreamReader& xml)
     for (QChar& c : text)
         if (!c.isPrint())
             c = QChar::ReplacementCharacter;
-    return tr("line %1, column %2: %3")
+    return QCoreApplication::translate("ProjectFile", "line %1, column %2: %3")
         .arg(QString::number(xml.lineNumber()), QString::number(xml.columnNumber()), text);
 }
 
@@ -276,17 +276,21 @@ Scan prescan(const QByteArray& bytes)
     return scan;
 }
 
+// Free functions name their context: lupdate cannot tell which one a bare tr() here belongs to.
 QString refusalReason(const Scan& scan)
 {
     switch (scan.refusal) {
     case Refusal::TooDeep:
-        return tr("nested more than %1 levels").arg(ProjectFile::MaxNestingDepth);
+        return QCoreApplication::translate("ProjectFile", "nested more than %1 levels")
+            .arg(ProjectFile::MaxNestingDepth);
     case Refusal::TooWide:
-        return tr("a component holds more than %1 others").arg(ProjectFile::MaxChildren);
+        return QCoreApplication::translate("ProjectFile", "a component holds more than %1 others")
+            .arg(ProjectFile::MaxChildren);
     case Refusal::NotXml:
-        return tr("not well-formed XML (%1)").arg(scan.detail);
+        return QCoreApplication::translate("ProjectFile", "not well-formed XML (%1)").arg(scan.detail);
     case Refusal::NotProject:
-        return tr("its root element is \"%1\", not \"Runplan\"").arg(scan.detail);
+        return QCoreApplication::translate("ProjectFile", "its root element is \"%1\", not \"Runplan\"")
+            .arg(scan.detail);
     case Refusal::None:
         break;
     }

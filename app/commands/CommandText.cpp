@@ -11,23 +11,24 @@ QString tr(const char* text)
     return QCoreApplication::translate("CommandText", text);
 }
 
+// Named context: lupdate cannot place a bare tr() in a free function.
 QString kindName(int kind)
 {
     switch (kind) {
     case ItemSupply:
-        return tr("Enabler");
+        return QCoreApplication::translate("CommandText", "Enabler");
     case ItemLeader:
-        return tr("Leader");
+        return QCoreApplication::translate("CommandText", "Leader");
     case ItemFixture:
-        return tr("Fixture");
+        return QCoreApplication::translate("CommandText", "Fixture");
     case ItemJumper:
-        return tr("Jumper");
+        return QCoreApplication::translate("CommandText", "Jumper");
     case ItemReceiver:
-        return tr("Receiver");
+        return QCoreApplication::translate("CommandText", "Receiver");
     case ItemBranchWire:
-        return tr("Branch Wire");
+        return QCoreApplication::translate("CommandText", "Branch Wire");
     case ItemJunctionBox:
-        return tr("Junction Box");
+        return QCoreApplication::translate("CommandText", "Junction Box");
     default:
         return QString();
     }
