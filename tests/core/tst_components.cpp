@@ -471,35 +471,25 @@ private slots:
 
     void addButtonRule_data()
     {
-        // Steps on a fresh document with the Duo enabler: add a "fixture", "jumper", "leader",
-        // "box" or "receiver"; select the "parent" or the "root"; "delete" the current component;
-        // make the enabler "feedwise"; select "nothing". "family1": the chosen fixture has family 1.
-        // "nobox": the receiver names no junction box, as an old project may; "63receivers": the
-        // most a run holds, each below the one before.
+        // Each row of add-buttons.tsv: the steps on a fresh document with the Duo enabler, the
+        // buttons enabled after them and the jumper button. Steps: add a "fixture", "jumper",
+        // "leader", "box" or "receiver"; select the "parent" or the "root"; "delete" the current
+        // component; make the enabler "feedwise"; select "nothing". "family1": the chosen fixture
+        // has family 1. "nobox": the receiver names no junction box, as an old project may;
+        // "63receivers": the most a run holds, each below the one before.
         QTest::addColumn<QString>("steps");
         QTest::addColumn<QString>("enabled");
         QTest::addColumn<int>("jumper");
-        const int same = Additions::JumperUnchanged, off = Additions::JumperOff, on = Additions::JumperOn;
-
-        QTest::newRow("empty Dynaline enabler") << "" << "fixture leader box maximize" << same;
-        QTest::newRow("enabler with a child") << "fixture root" << "" << same;
-        QTest::newRow("fixture") << "fixture" << "fixture maximize" << on;
-        QTest::newRow("full fixture") << "fixture jumper parent" << "" << off;
-        QTest::newRow("jumper") << "fixture jumper" << "fixture maximize" << same;
-        QTest::newRow("leader") << "leader" << "fixture maximize" << same;
-        QTest::newRow("Dynaline junction box") << "box" << "fixture leader box enabler maximize" << same;
-        QTest::newRow("Dynaline branch wire") << "box delete" << "box maximize" << same;
-        QTest::newRow("Feedwise enabler") << "feedwise" << "fixture receiver box enabler maximize" << same;
-        QTest::newRow("Feedwise enabler, family 1") << "feedwise family1" << "receiver box enabler" << same;
-        QTest::newRow("Feedwise branch wire") << "feedwise box delete" << "receiver box enabler maximize" << same;
-        QTest::newRow("Feedwise junction box") << "feedwise box" << "receiver box enabler" << same;
-        QTest::newRow("receiver") << "feedwise receiver" << "fixture leader receiver box maximize" << same;
-        QTest::newRow("receiver, family 1") << "feedwise receiver family1" << "receiver box" << same;
-        QTest::newRow("fixture on a receiver") << "feedwise receiver fixture" << "fixture" << on;
-        QTest::newRow("Feedwise wire with a receiver") << "feedwise receiver parent" << "" << same;
-        QTest::newRow("receiver without a box") << "feedwise receiver nobox" << "" << same;
-        QTest::newRow("63rd receiver") << "feedwise 63receivers" << "fixture leader box maximize" << same;
-        QTest::newRow("nothing selected") << "fixture nothing" << "" << off;
+        const QMap<QString, int> jumpers{{"same", Additions::JumperUnchanged},
+                                         {"off", Additions::JumperOff},
+                                         {"on", Additions::JumperOn}};
+        QFile rows(testDataPath("project/add-buttons.tsv"));
+        QVERIFY(rows.open(QIODevice::ReadOnly | QIODevice::Text));
+        while (!rows.atEnd()) {
+            const QStringList f = QString::fromUtf8(rows.readLine()).chopped(1).split('\t');
+            if (!f.first().startsWith('#'))
+                QTest::newRow(qPrintable(f.value(0))) << f.value(1) << f.value(2) << jumpers.value(f.value(3), -1);
+        }
     }
 
     void addButtonRule()
