@@ -22,6 +22,17 @@ inline QByteArray testDataBytes(const QString& relative)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+// The rows of a tab-separated table in tests/data: one row a line, blank lines and lines starting
+// with # left out.
+inline QList<QStringList> dataRows(const QString& relative)
+{
+    QList<QStringList> rows;
+    for (const QString& line : QString::fromUtf8(testDataBytes(relative)).split(QLatin1Char('\n')))
+        if (!line.trimmed().isEmpty() && !line.startsWith(QLatin1Char('#')))
+            rows.append(line.split(QLatin1Char('\t')));
+    return rows;
+}
+
 // The golden file's bytes; with RUNPLAN_UPDATE_GOLDEN=1 in the environment the file is first
 // rewritten with what the test produced (to review with git diff).
 inline QByteArray goldenBytes(const QByteArray& produced, const QString& relative)

@@ -33,8 +33,7 @@ class TestDesignReport : public QObject
 
 private slots:
     void csvQuoting();
-    void billOfMaterials();
-    void reportContent();
+    void billOfMaterialsAndReport();
 
 private:
     // enabler -> branch (Above Ground) -> box -> {leader -> Plain -> jumper -> Plain, Count Limited,
@@ -74,45 +73,25 @@ void TestDesignReport::csvQuoting()
         QCOMPARE(DesignReport::csvField(field), written);
 }
 
-void TestDesignReport::billOfMaterials()
-{
-    CatalogSession f(QStringLiteral("calc/analysis.xml"));
-    QVERIFY(f.ready());
-    Session& s = *f.session;
-    const Database& db = f.db;
-    CWidget* lastPlain = nullptr;
-    buildPlan(s, db, &lastPlain);
-    // Kinds in their order, items by first placement; the two branch wires differ by location.
-    COMPARE_GOLDEN(DesignReport::bomCsv(DesignReport::billOfMaterials(s.document().root())), "calc/bom.csv");
-
-    // Pieces of one item add up; a custom cable is listed by its gauge.
-    ConfigDocument& doc = s.document();
-    DLFixture* plain = db.fixtureNamed(QStringLiteral("Plain"));
-    doc.setCurrent(lastPlain);
-    doc.addJumper(plain);
-    auto* custom = static_cast<CableWidget*>(doc.addJumper(plain));
-    custom->setType(QStringLiteral("Custom Jumper"));
-    custom->setGauge(QStringLiteral("18"));
-    custom->setLength(7);
-    COMPARE_GOLDEN(DesignReport::bomCsv(DesignReport::billOfMaterials(doc.root())), "calc/bom_pieces.csv");
-}
-
-void TestDesignReport::reportContent()
+void TestDesignReport::billOfMaterialsAndReport()
 {
     CatalogSession f(QStringLiteral("calc/analysis.xml"));
     QVERIFY(f.ready());
     Session& s = *f.session;
     Database& db = f.db;
+    ConfigDocument& doc = s.document();
+    DLFixture* plain = db.fixtureNamed(QStringLiteral("Plain"));
     CWidget* lastPlain = nullptr;
     buildPlan(s, db, &lastPlain);
+    // Kinds in their order, items by first placement; the two branch wires differ by location.
+    COMPARE_GOLDEN(DesignReport::bomCsv(DesignReport::billOfMaterials(doc.root())), "calc/bom.csv");
+
     s.header().controller = QStringLiteral("Large");
     s.analyze();
     DesignReport::Source source;
     source.projectFile = QStringLiteral("/plans/site,b.rpproj");
     source.date = QDate(2026, 3, 4);
-    const DesignReport::Content c =
-        DesignReport::build(source, s.inputs(), s.result(), s.document().root(), db);
-
+    const DesignReport::Content c = DesignReport::build(source, s.inputs(), s.result(), doc.root(), db);
     QVERIFY(std::any_of(c.header.begin(), c.header.end(), [](const auto& field) {
         return field.first == QLatin1String("Program version") && field.second.startsWith("Runplan 3.17.0");
     }));
@@ -125,14 +104,23 @@ void TestDesignReport::reportContent()
 
     // A failing run carries the check's own text.
     s.header().lineVoltage = QStringLiteral("277");
-    DLFixture* drop = db.fixtureNamed(QStringLiteral("Drop Limited"));
-    s.document().setCurrent(lastPlain);
-    s.document().addFixture(drop);
+    doc.setCurrent(lastPlain);
+    CWidget* drop = doc.addFixture(db.fixtureNamed(QStringLiteral("Drop Limited")));
     s.analyze();
-    const DesignReport::Content failing =
-        DesignReport::build(source, s.inputs(), s.result(), s.document().root(), db);
+    const DesignReport::Content failing = DesignReport::build(source, s.inputs(), s.result(), doc.root(), db);
     QVERIFY(!failing.pass && !failing.runs.at(1).pass);
     COMPARE_GOLDEN(contentText(failing), "calc/report_fail.txt");
+
+    // Pieces of one item add up; a custom cable is listed by its gauge.
+    doc.setCurrent(drop);
+    QVERIFY(doc.removeCurrent());
+    doc.setCurrent(lastPlain);
+    doc.addJumper(plain);
+    auto* custom = static_cast<CableWidget*>(doc.addJumper(plain));
+    custom->setType(QStringLiteral("Custom Jumper"));
+    custom->setGauge(QStringLiteral("18"));
+    custom->setLength(7);
+    COMPARE_GOLDEN(DesignReport::bomCsv(DesignReport::billOfMaterials(doc.root())), "calc/bom_pieces.csv");
 }
 
 QTEST_GUILESS_MAIN(TestDesignReport)
