@@ -1,97 +1,26 @@
 // The main window driven as a user would: selectors, add buttons, document commands and exports,
 // with every question answered through a scripted prompter.
 
-#include "TestSupport.h"
-#include "app/Prompter.h"
-#include "app/Runplan.h"
-#include "canvas/CFrame.h"
+#include "WindowFixture.h"
 #include "calc/Session.h"
-#include "model/ProjectFile.h"
+#include "canvas/CFrame.h"
 #include "catalog/Database.h"
-#include "model/CWidget.h"
-#include "model/CWidgetModel.h"
-#include "model/ConfigDocument.h"
+#include "model/ProjectFile.h"
 
-#include <QAction>
-#include <QComboBox>
-#include <QDialog>
-#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QProcess>
-#include <QPushButton>
 #include <QScrollBar>
-#include <QSettings>
 #include <QSpinBox>
-#include <QTemporaryDir>
-#include <QTest>
 #include <QStatusBar>
+#include <QTemporaryDir>
 #include <QTextBlock>
 #include <QTextEdit>
 
-#include <csignal>
-#include <sys/resource.h>
+static const QString projectFilter = QStringLiteral("Configuration Files (*.rpproj);;All Files (*.* *)");
 
-// Answers from queues; a question with no answer left is recorded as unexpected.
-class ScriptedPrompter : public Prompter
-{
-public:
-    QStringList openAnswers;
-    QStringList saveAnswers;
-    QList<bool> clearAnswers;
-    QList<SaveChoice> saveChangesAnswers;
-    QList<bool> replaceAnswers;
-    QList<bool> notReadWholeAnswers;
-    QList<bool> deleteAnswers;
-
-    QStringList asked;    // the kind of every question, in order
-    QStringList lastArgs; // the texts shown with the last one
-    QStringList unexpected;
-
-    QString getOpenFileName(QWidget*, const QString& caption, const QString& dir, const QString& filter) override
-    {
-        return take("open", openAnswers, {caption, dir, filter});
-    }
-    QString getSaveFileName(QWidget*, const QString& caption, const QString& proposed,
-                            const QString& filter) override
-    {
-        return take("save", saveAnswers, {caption, proposed, filter});
-    }
-    bool askClearConfiguration(QWidget*) override { return take("clear", clearAnswers); }
-    SaveChoice askSaveChanges(QWidget*, const QString& displayName) override
-    {
-        return take("saveChanges", saveChangesAnswers, {displayName}, SaveChoice::Cancel);
-    }
-    bool askReplace(QWidget*, const QString& filePath) override { return take("replace", replaceAnswers, {filePath}); }
-    bool askReplaceNotReadWhole(QWidget*, const QString& fileName) override
-    {
-        return take("notReadWhole", notReadWholeAnswers, {fileName});
-    }
-    bool confirmDelete(QWidget*) override { return take("delete", deleteAnswers); }
-    int execDialog(QDialog*) override { return take("dialog", m_none) ? QDialog::Accepted : QDialog::Rejected; }
-    QList<bool> recoverAnswers;
-    bool askRecover(QWidget*, const QString& displayName) override
-    {
-        return take("recover", recoverAnswers, {displayName});
-    }
-
-private:
-    template <typename T>
-    T take(const char* what, QList<T>& queue, const QStringList& args = {}, T fallback = T())
-    {
-        asked << QString::fromLatin1(what);
-        lastArgs = args;
-        if (queue.isEmpty()) {
-            unexpected << QString::fromLatin1(what);
-            return fallback;
-        }
-        return queue.takeFirst();
-    }
-    QList<bool> m_none;
-};
-
-class TestMainWindow : public QObject
+class TestMainWindow : public QObject, WindowFixture
 {
     Q_OBJECT
 
@@ -116,25 +45,8 @@ private slots:
     void designExportsAndShowVoltages();
 
 private:
-    // The window's widgets, found by their object names.
-    template <typename T> T* find(const char* name) const
-    {
-        T* w = m_window->findChild<T*>(QString::fromLatin1(name));
-        if (!w)
-            qFatal("no widget or action named %s", name);
-        return w;
-    }
-    void click(const char* button) { QTest::mouseClick(find<QPushButton>(button), Qt::LeftButton); }
-    ConfigDocument* doc() const { return m_window->document(); }
-    int comboIndex(const char* combo, const QString& text) const { return find<QComboBox>(combo)->findText(text); }
-    QString fileText(const QString& path) const
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-    }
+    QString fileText(const QString& path) const { return QString::fromUtf8(fileBytes(path)); }
 
-    Runplan* m_window = nullptr;
-    ScriptedPrompter* m_prompter = nullptr;
     QTemporaryDir* m_dir = nullptr;
 };
 
@@ -149,20 +61,15 @@ void TestMainWindow::initTestCase()
 
 void TestMainWindow::init()
 {
-    QSettings().clear();
     m_dir = new QTemporaryDir;
     QVERIFY(m_dir->isValid());
-    m_window = new Runplan;
-    m_prompter = new ScriptedPrompter;
-    m_window->setPrompter(m_prompter);
+    openWindow();
 }
 
 void TestMainWindow::cleanup()
 {
     QVERIFY2(m_prompter->unexpected.isEmpty(), qPrintable(m_prompter->unexpected.join(", ")));
-    doc()->setModified(false); // nothing left to save: closing must not ask
-    delete m_window;
-    delete m_prompter;
+    closeWindow();
     delete m_dir;
 }
 
@@ -172,143 +79,109 @@ void TestMainWindow::addButtonsFollowEveryChange()
     // after an edit of it, a load and a reset, not only when the selection changes.
     auto enabled = [this]() {
         QStringList on;
-        const std::pair<const char*, const char*> buttons[] = {
-            {"fixture", "m_DL_AddFixture_Button"}, {"jumper", "m_DL_AddJumper_Button"},
-            {"leader", "m_DL_AddLeader_Button"},   {"receiver", "m_DL_AddReceiver_Button"},
-            {"box", "m_DL_AddJunctionBox_Button"}, {"enabler", "m_DL_AddSupply_Button"},
-            {"maximize", "m_DL_Maximize_Button"}};
-        for (const auto& [label, name] : buttons)
-            if (find<QPushButton>(name)->isEnabled())
-                on << label;
-        return on.join(' ');
+        for (const char* name : {"Fixture", "Jumper", "Leader", "Receiver", "JunctionBox", "Supply"})
+            if (find<QPushButton>(QStringLiteral("m_DL_Add%1_Button").arg(name))->isEnabled())
+                on << name;
+        return on.join(' ') + (find<QPushButton>("m_DL_Maximize_Button")->isEnabled() ? " maximize" : "");
     };
-    click("m_DL_AddFixture_Button");
-    QCOMPARE(enabled(), QStringLiteral("fixture jumper maximize"));
+    run("fixture");
+    QCOMPARE(enabled(), QStringLiteral("Fixture Jumper maximize"));
     m_window->DL_DeleteLast();
     QCOMPARE(doc()->current(), doc()->root());
-    QCOMPARE(enabled(), QStringLiteral("fixture jumper leader box maximize"));
+    QCOMPARE(enabled(), QStringLiteral("Fixture Jumper Leader JunctionBox maximize"));
 
     // The enabler's output mode edited in the table: a Feedwise enabler takes no leader.
-    const QModelIndex mode = doc()->currentIndex().siblingAtColumn(PropOutputMode);
-    QVERIFY(doc()->model()->setData(mode, QStringLiteral("Feedwise")));
-    QCOMPARE(enabled(), QStringLiteral("fixture jumper receiver box enabler maximize"));
+    run("mode=Feedwise");
+    QCOMPARE(enabled(), QStringLiteral("Fixture Jumper Receiver JunctionBox Supply maximize"));
 
     // A load that leaves the canvas empty leaves nothing to add to; Reset places an enabler again.
     HeaderValues header;
     ProjectFile::read("<Runplan><CFrame/></Runplan>", *doc(), header, nullptr);
     QVERIFY(!doc()->root());
     QCOMPARE(enabled(), QString());
-    m_window->on_m_DL_Reset_Button_clicked();
-    QCOMPARE(enabled(), QStringLiteral("fixture leader box maximize"));
+    run("reset");
+    QCOMPARE(enabled(), QStringLiteral("Fixture Leader JunctionBox maximize"));
 }
 
 void TestMainWindow::enablerChangeAsksBeforeClearing()
 {
-    QComboBox* supplies = find<QComboBox>("m_DLSupply_Combo");
-    const int sfp = supplies->findText(QStringLiteral("Signal Feeder Pro"));
-    const int lv = supplies->findText(QStringLiteral("Line Voltage"));
-    QVERIFY(sfp >= 0 && lv >= 0 && sfp != lv);
-
     // A lone enabler is replaced without a question, and the fixture list becomes its own.
-    supplies->setCurrentIndex(lv);
+    QComboBox* supplies = find<QComboBox>("m_DLSupply_Combo");
+    run("m_DLSupply_Combo=Line Voltage");
     QVERIFY(m_prompter->asked.isEmpty());
     QCOMPARE(doc()->root()->catalogItem()->name, QStringLiteral("Line Voltage"));
-    const DLPowerSupply* lvRecord = Database::instance()->supplyNamed(QStringLiteral("Line Voltage"));
     QCOMPARE(find<QComboBox>("m_DLController_Combo")->count(), 0);
 
-    // With a run built, No keeps everything as it was.
-    click("m_DL_AddFixture_Button");
-    m_prompter->clearAnswers << false;
-    supplies->setCurrentIndex(sfp);
-    QCOMPARE(m_prompter->asked, QStringList{"clear"});
-    QCOMPARE(supplies->currentIndex(), lv);
+    // With a run built, No keeps everything as it was; Yes clears the run and starts over.
+    m_prompter->answers << false << true;
+    run("fixture, m_DLSupply_Combo=Signal Feeder Pro");
+    QCOMPARE(supplies->currentText(), QStringLiteral("Line Voltage"));
     QCOMPARE(doc()->count(ItemAny), 2);
-    QCOMPARE(doc()->root()->catalogItem()->name, QStringLiteral("Line Voltage"));
-
-    // Yes clears the run and starts over from the new enabler.
-    m_prompter->clearAnswers << true;
-    supplies->setCurrentIndex(sfp);
-    QCOMPARE(m_prompter->asked.size(), 2);
+    run("m_DLSupply_Combo=Signal Feeder Pro");
+    QCOMPARE(m_prompter->asked, (QStringList{"clear", "clear"}));
     QCOMPARE(doc()->count(ItemAny), 1);
     QCOMPARE(doc()->root()->catalogItem()->name, QStringLiteral("Signal Feeder Pro"));
     QVERIFY(find<QComboBox>("m_DLController_Combo")->count() > 0);
 
     // Changes made by the program itself never ask.
-    click("m_DL_AddFixture_Button");
-    m_window->selectEnabler(lvRecord);
+    run("fixture");
+    m_window->selectEnabler(Database::instance()->supplyNamed(QStringLiteral("Line Voltage")));
     QCOMPARE(m_prompter->asked.size(), 2);
     QCOMPARE(doc()->count(ItemAny), 1);
 }
 
 void TestMainWindow::fixtureChangeAsksWhenFamiliesDiffer()
 {
-    QComboBox* fixtures = find<QComboBox>("m_DLFixture_Combo");
+    // An empty run changes fixture freely; the voltage list becomes the fixture's. Placed fixtures
+    // of the same family stay.
     QComboBox* volts = find<QComboBox>("m_DL_LineVoltage_Combo");
-    const int troughA = comboIndex("m_DLFixture_Combo", "Linea Trough Model A Dynaline 6in (100v - 120v)");
-    const int troughB = comboIndex("m_DLFixture_Combo", "Linea Trough Model B Dynaline 6in (100v - 120v)");
-    const int tunable = comboIndex("m_DLFixture_Combo", "Stylebar Tunable Dynaline 1ft"); // another family
-    QVERIFY(troughA >= 0 && troughB >= 0 && tunable >= 0);
-
-    // An empty run changes fixture freely; the voltage list becomes the fixture's.
-    fixtures->setCurrentIndex(troughA);
-    QVERIFY(m_prompter->asked.isEmpty());
+    run("m_DLFixture_Combo=Linea Trough Model A Dynaline 6in (100v - 120v)");
     QCOMPARE(volts->count(), 3);
-    volts->setCurrentIndex(volts->findText("100"));
-
-    // Placed fixtures of the same family stay.
-    click("m_DL_AddFixture_Button");
-    fixtures->setCurrentIndex(troughB);
+    run("m_DL_LineVoltage_Combo=100, fixture, m_DLFixture_Combo=Linea Trough Model B Dynaline 6in (100v - 120v)");
     QVERIFY(m_prompter->asked.isEmpty());
     QCOMPARE(doc()->count(ItemFixture), 1);
 
-    // Another family: No puts the fixture back and keeps the run.
-    m_prompter->clearAnswers << false;
-    fixtures->setCurrentIndex(tunable);
-    QCOMPARE(m_prompter->asked, QStringList{"clear"});
-    QCOMPARE(fixtures->currentIndex(), troughB);
+    // Another family: No puts the fixture back and keeps the run; Yes clears it, and the chosen
+    // voltage is kept where the new fixture offers it.
+    m_prompter->answers << false << true;
+    run("m_DLFixture_Combo=Stylebar Tunable Dynaline 1ft");
+    QCOMPARE(find<QComboBox>("m_DLFixture_Combo")->currentText(),
+             QStringLiteral("Linea Trough Model B Dynaline 6in (100v - 120v)"));
     QCOMPARE(doc()->count(ItemFixture), 1);
-
-    // Yes clears it; the chosen voltage is kept where the new fixture offers it.
-    m_prompter->clearAnswers << true;
-    fixtures->setCurrentIndex(tunable);
-    QCOMPARE(m_prompter->asked.size(), 2);
+    run("m_DLFixture_Combo=Stylebar Tunable Dynaline 1ft");
+    QCOMPARE(m_prompter->asked, (QStringList{"clear", "clear"}));
     QCOMPARE(doc()->count(ItemAny), 1);
     QCOMPARE(volts->count(), 7);
     QCOMPARE(volts->currentData().toInt(), 100);
 
     // A voltage the new fixture lacks gives way to the fixture's starting voltage.
-    volts->setCurrentIndex(volts->findText("277"));
-    fixtures->setCurrentIndex(troughA);
+    run("m_DL_LineVoltage_Combo=277, m_DLFixture_Combo=Linea Trough Model A Dynaline 6in (100v - 120v)");
     QCOMPARE(volts->currentText(), QStringLiteral("120"));
 }
 
 void TestMainWindow::customVoltageAndLoad()
 {
-    // "Other" shows a spin box whose value is used; a listed value hides it again.
-    QComboBox* volts = find<QComboBox>("m_DL_LineVoltage_Combo");
+    // "Other" shows a spin box whose value is used, also after a change of fixture; a listed value
+    // hides it again.
     QSpinBox* voltSpin = find<QSpinBox>("m_DL_LineVoltage_Spin");
     QVERIFY(voltSpin->isHidden());
-    volts->setCurrentIndex(volts->findText(QStringLiteral("Other")));
-    QVERIFY(!voltSpin->isHidden());
+    run("m_DL_LineVoltage_Combo=Other");
     voltSpin->setValue(230);
     QCOMPARE(m_window->circuitInputs().lineVoltage, 230.0);
-
-    // "Other" survives a change of fixture.
-    find<QComboBox>("m_DLFixture_Combo")->setCurrentIndex(comboIndex("m_DLFixture_Combo", "Linea Cove Dynaline 2ft"));
-    QCOMPARE(volts->currentText(), QStringLiteral("Other"));
+    run("m_DLFixture_Combo=Linea Cove Dynaline 2ft");
+    QCOMPARE(find<QComboBox>("m_DL_LineVoltage_Combo")->currentText(), QStringLiteral("Other"));
     QVERIFY(!voltSpin->isHidden());
-    volts->setCurrentIndex(volts->findText(QStringLiteral("100")));
+    run("m_DL_LineVoltage_Combo=100");
     QVERIFY(voltSpin->isHidden());
     QCOMPARE(m_window->circuitInputs().lineVoltage, 100.0);
 
-    QComboBox* load = find<QComboBox>("m_DL_MaxLoad_Combo");
+    // The load likewise, with its derated value shown.
     QSpinBox* loadSpin = find<QSpinBox>("m_DL_MaxLoad_Spin");
-    load->setCurrentIndex(load->count() - 1);
-    QVERIFY(!loadSpin->isHidden());
+    run("m_DL_MaxLoad_Combo=Other");
     loadSpin->setValue(25);
     QCOMPARE(m_window->circuitInputs().maxCircuitLoad, 25.0);
     QCOMPARE(find<QLabel>("m_DL_DerateLoad_Label")->text(), QStringLiteral("(derated to 20 amps)"));
-    load->setCurrentIndex(load->findText(QStringLiteral("20")));
+    run("m_DL_MaxLoad_Combo=20");
     QVERIFY(loadSpin->isHidden());
     QCOMPARE(m_window->circuitInputs().maxCircuitLoad, 20.0);
     QCOMPARE(find<QLabel>("m_DL_DerateLoad_Label")->text(), QStringLiteral("(derated to 16 amps)"));
@@ -316,15 +189,13 @@ void TestMainWindow::customVoltageAndLoad()
 
 void TestMainWindow::saveAsNamesAndReplaces()
 {
-    const QString filter = QStringLiteral("Configuration Files (*.rpproj);;All Files (*.* *)");
-    click("m_DL_AddFixture_Button");
-    const QString plan = m_dir->filePath(QStringLiteral("plan"));
-
     // A bare name gets the extension; the window and its actions take the file's name.
-    m_prompter->saveAnswers << plan;
-    find<QAction>("actionSaveAs")->trigger();
+    const QString plan = m_dir->filePath(QStringLiteral("plan"));
+    run("fixture");
+    m_prompter->answers << plan;
+    trigger("actionSaveAs");
     QCOMPARE(m_prompter->lastArgs, (QStringList{"Save Configuration",
-                                                QDir(QDir::homePath()).filePath("Untitled.rpproj"), filter}));
+                                                QDir(QDir::homePath()).filePath("Untitled.rpproj"), projectFilter}));
     QVERIFY(!doc()->isModified());
     QCOMPARE(m_window->currentFilePath(), plan + ".rpproj");
     QVERIFY(m_window->windowTitle().startsWith(QStringLiteral("plan.rpproj[*] - Runplan Release 3.17.0")));
@@ -332,50 +203,40 @@ void TestMainWindow::saveAsNamesAndReplaces()
     QCOMPARE(find<QAction>("actionSaveAs")->text(), QStringLiteral("Save plan.rpproj &As..."));
     QCOMPARE(QSettings().value("lastDirPath").toString(), m_dir->path());
 
-    // The same bare name over another file: the replace question; Cancel brings the file dialog
+    // The same bare name over another file: No to the replace question brings the file dialog
     // back, and cancelling that writes nothing.
-    QFile marker(plan + ".rpproj");
-    QVERIFY(marker.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    marker.write("keep");
-    marker.close();
-    click("m_DL_AddJumper_Button");
-    m_prompter->saveAnswers << plan << QString();
-    m_prompter->replaceAnswers << false;
-    find<QAction>("actionSaveAs")->trigger();
+    QVERIFY(writeFileBytes(plan + ".rpproj", "keep"));
+    run("jumper");
+    m_prompter->answers << plan << false << QString();
+    trigger("actionSaveAs");
     QCOMPARE(m_prompter->asked.mid(1), (QStringList{"save", "replace", "save"}));
     QCOMPARE(fileText(plan + ".rpproj"), QStringLiteral("keep"));
     QVERIFY(doc()->isModified());
 
-    // Replace overwrites it; a name with another case of the extension still gets its own.
-    m_prompter->saveAnswers << plan << m_dir->filePath("other.RPPROJ");
-    m_prompter->replaceAnswers << true;
-    find<QAction>("actionSaveAs")->trigger();
+    // Yes overwrites it; a name with another case of the extension still gets its own.
+    m_prompter->answers << plan << true << m_dir->filePath("other.RPPROJ");
+    trigger("actionSaveAs");
     QVERIFY(fileText(plan + ".rpproj").contains("RunplanConfigurationFile"));
     QVERIFY(!doc()->isModified());
-    find<QAction>("actionSaveAs")->trigger();
+    trigger("actionSaveAs");
     QCOMPARE(find<QAction>("actionSave")->text(), QStringLiteral("&Save other.RPPROJ.rpproj"));
 
     // Save writes to the current file without asking.
     const int asked = m_prompter->asked.size();
-    click("m_DL_AddFixture_Button");
-    find<QAction>("actionSave")->trigger();
+    run("fixture");
+    trigger("actionSave");
     QCOMPARE(m_prompter->asked.size(), asked);
     QVERIFY(!doc()->isModified());
 }
 
 void TestMainWindow::newAndOpenAskAboutUnsavedChanges()
 {
-    // A saved run of two fixtures at 100 V.
+    // A saved run of two fixtures at 100 V. Unchanged: New asks nothing and starts over.
     QComboBox* volts = find<QComboBox>("m_DL_LineVoltage_Combo");
-    volts->setCurrentIndex(volts->findText("100"));
-    click("m_DL_AddFixture_Button");
-    click("m_DL_AddJumper_Button");
-    click("m_DL_AddFixture_Button");
+    run("m_DL_LineVoltage_Combo=100, fixture, jumper, fixture");
     const QString saved = m_dir->filePath("two.rpproj");
     QVERIFY(m_window->saveProject(saved));
-
-    // Unchanged: New asks nothing and starts over.
-    find<QAction>("actionNew")->trigger();
+    trigger("actionNew");
     QVERIFY(m_prompter->asked.isEmpty());
     QCOMPARE(doc()->count(ItemAny), 1);
     QCOMPARE(volts->currentText(), QStringLiteral("120"));
@@ -383,34 +244,32 @@ void TestMainWindow::newAndOpenAskAboutUnsavedChanges()
     QCOMPARE(find<QAction>("actionSave")->text(), QStringLiteral("&Save "));
 
     // Open brings the run and its header back.
-    m_prompter->openAnswers << saved;
-    find<QAction>("actionOpen")->trigger();
+    m_prompter->answers << saved;
+    trigger("actionOpen");
     QCOMPARE(m_prompter->lastArgs.value(0), QStringLiteral("Open Configuration"));
-    QCOMPARE(m_prompter->lastArgs.value(2), QStringLiteral("Configuration Files (*.rpproj);;All Files (*.* *)"));
+    QCOMPARE(m_prompter->lastArgs.value(2), projectFilter);
     QCOMPARE(doc()->count(ItemFixture), 2);
     QCOMPARE(volts->currentText(), QStringLiteral("100"));
     QCOMPARE(m_window->currentFilePath(), saved);
     QVERIFY(!doc()->isModified());
 
     // Changed: Cancel stops New; Discard lets it go on.
-    volts->setCurrentIndex(volts->findText("120"));
-    m_prompter->saveChangesAnswers << Prompter::SaveChoice::Cancel << Prompter::SaveChoice::Discard;
-    find<QAction>("actionNew")->trigger();
+    run("m_DL_LineVoltage_Combo=120");
+    m_prompter->answers << int(Prompter::SaveChoice::Cancel) << int(Prompter::SaveChoice::Discard);
+    trigger("actionNew");
     QCOMPARE(m_prompter->lastArgs, QStringList{"two.rpproj"});
     QCOMPARE(doc()->count(ItemFixture), 2);
-    find<QAction>("actionNew")->trigger();
+    trigger("actionNew");
     QCOMPARE(doc()->count(ItemAny), 1);
 
     // Save writes the changes first, then Open goes on; a cancelled file dialog opens nothing.
-    click("m_DL_AddFixture_Button");
+    run("fixture");
     const QString third = m_dir->filePath("three");
-    m_prompter->saveChangesAnswers << Prompter::SaveChoice::Save;
-    m_prompter->saveAnswers << third;
-    m_prompter->openAnswers << QString();
-    find<QAction>("actionOpen")->trigger();
+    m_prompter->answers << int(Prompter::SaveChoice::Save) << third << QString();
+    trigger("actionOpen");
     QCOMPARE(m_prompter->asked.mid(m_prompter->asked.size() - 3), (QStringList{"saveChanges", "save", "open"}));
-    QVERIFY(QFile::exists(third + ".rpproj"));
     QCOMPARE(m_window->currentFilePath(), third + ".rpproj");
+    QVERIFY(QFile::exists(third + ".rpproj"));
     QCOMPARE(doc()->count(ItemFixture), 1);
 }
 
@@ -435,8 +294,7 @@ void TestMainWindow::maximizeAndExportMatchTheEngine()
     Session session(*Database::instance());
     session.resetWithFixture();
     session.maximize();
-    click("m_DL_AddFixture_Button");
-    click("m_DL_Maximize_Button");
+    run("fixture, maximize");
     QVERIFY(session.fixtureCount() > 1);
     QCOMPARE(doc()->count(ItemFixture), session.fixtureCount());
     QCOMPARE(m_window->lastResult().totalLength, session.totalLength());
@@ -446,7 +304,7 @@ void TestMainWindow::maximizeAndExportMatchTheEngine()
     // The totals are green while the run passes and red with one fixture more.
     QLineEdit* watts = find<QLineEdit>("m_DL_TotalPowerWatts_Edit");
     QCOMPARE(watts->palette().color(QPalette::Base), Runplan::passingFieldColor());
-    click("m_DL_AddFixture_Button");
+    run("fixture");
     QVERIFY(!doc()->passFlag());
     QCOMPARE(watts->palette().color(QPalette::Base), Runplan::failingFieldColor());
     m_window->DL_DeleteLast();
@@ -454,11 +312,11 @@ void TestMainWindow::maximizeAndExportMatchTheEngine()
     // The export writes the checked-in table of the starting fixture (as the unattended run does)
     // to the file chosen, which is proposed next time.
     const QString chosen = m_dir->filePath("fixture.csv");
-    m_prompter->saveAnswers << chosen << QString();
-    find<QAction>("actionMaximizeFixture")->trigger();
+    m_prompter->answers << chosen << QString();
+    trigger("actionMaximizeFixture");
     QCOMPARE(m_prompter->lastArgs, (QStringList{"Select file", "data.csv", "CSV File (*.csv);; All Files (*.*)"}));
     QCOMPARE(fileText(chosen), fileText(testDataPath("app/batch-first.csv")));
-    find<QAction>("actionMaximizeAll")->trigger();
+    trigger("actionMaximizeAll");
     QCOMPARE(m_prompter->lastArgs.value(1), chosen);
     QCOMPARE(QSettings().value("maximize_fixture_file").toString(), QString());
 }
@@ -466,9 +324,7 @@ void TestMainWindow::maximizeAndExportMatchTheEngine()
 void TestMainWindow::openingWhatIsNotAProject()
 {
     // A name with a placeholder in it stays as typed in the title.
-    click("m_DL_AddFixture_Button");
-    click("m_DL_AddJumper_Button");
-    click("m_DL_AddFixture_Button");
+    run("fixture, jumper, fixture");
     const QString saved = m_dir->filePath("stage%1.rpproj");
     QVERIFY(m_window->saveProject(saved));
     const QString title = m_window->windowTitle();
@@ -486,13 +342,11 @@ void TestMainWindow::openingWhatIsNotAProject()
     // Not a project: refused with an "Open Error"; nothing in the window changes, so Save cannot
     // write over the file.
     const QString text = m_dir->filePath("notes.rpproj");
-    QFile notes(text);
-    QVERIFY(notes.open(QIODevice::WriteOnly) && notes.write("shopping list\n") > 0);
-    notes.close();
+    QVERIFY(writeFileBytes(text, "shopping list\n"));
     RecordingReporter messages;
     ScopedGlobalReporter scope(&messages);
-    m_prompter->openAnswers << text;
-    find<QAction>("actionOpen")->trigger();
+    m_prompter->answers << text;
+    trigger("actionOpen");
     QCOMPARE(messages.messages.size(), 1);
     QCOMPARE(messages.messages.at(0).title, QStringLiteral("Open Error"));
     QCOMPARE(m_window->windowTitle(), title);
@@ -504,37 +358,33 @@ void TestMainWindow::openingWhatIsNotAProject()
     // A project that breaks off opens as far as it goes, the failure line goes, and the first
     // Save over it asks: No keeps the file, Yes replaces it, and later Saves ask no more.
     const QString part = m_dir->filePath("part.rpproj");
-    const QByteArray whole = fileText(saved).toUtf8();
+    const QByteArray whole = fileBytes(saved);
     const QByteArray cut = whole.left(whole.indexOf("<CWidget CWidgetItemType=\"3\""));
-    QFile partFile(part);
-    QVERIFY(partFile.open(QIODevice::WriteOnly) && partFile.write(cut) == cut.size());
-    partFile.close();
-    m_prompter->openAnswers << part;
-    find<QAction>("actionOpen")->trigger();
+    QVERIFY(writeFileBytes(part, cut));
+    m_prompter->answers << part;
+    trigger("actionOpen");
     QCOMPARE(messages.messages.size(), 1);
     QCOMPARE(m_window->currentFilePath(), part);
     QCOMPARE(doc()->count(ItemFixture), 1);
     QCOMPARE(m_window->statusBar()->currentMessage(), QString());
-    m_prompter->notReadWholeAnswers << false << true;
-    find<QAction>("actionSave")->trigger();
+    m_prompter->answers << false << true;
+    trigger("actionSave");
     QCOMPARE(m_prompter->asked.last(), QStringLiteral("notReadWhole"));
     QCOMPARE(m_prompter->lastArgs, QStringList{"part.rpproj"});
-    QCOMPARE(fileText(part).toUtf8(), cut);
-    find<QAction>("actionSave")->trigger();
+    QCOMPARE(fileBytes(part), cut);
+    trigger("actionSave");
     QVERIFY(fileText(part).endsWith("</Runplan>\n"));
     const int asked = m_prompter->asked.size();
-    find<QAction>("actionSave")->trigger();
+    trigger("actionSave");
     QCOMPARE(m_prompter->asked.size(), asked);
 
     // New after a project that matched no selector entry leaves every selector with one.
-    QVERIFY(partFile.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    partFile.write("<Runplan CurrentSupplyName=\"Gone\" Frequency=\"1\" LineVoltage=\"7\"><CFrame><CWidget");
-    partFile.close();
-    m_prompter->openAnswers << part;
-    find<QAction>("actionOpen")->trigger();
+    QVERIFY(writeFileBytes(part, "<Runplan CurrentSupplyName=\"Gone\" Frequency=\"1\" LineVoltage=\"7\"><CFrame><CWidget"));
+    m_prompter->answers << part;
+    trigger("actionOpen");
     QVERIFY(!m_window->notReadWholeReason().isEmpty());
     QCOMPARE(find<QComboBox>("m_frequencyComboBox")->currentIndex(), -1);
-    find<QAction>("actionNew")->trigger();
+    trigger("actionNew");
     for (const char* name : selectors) {
         const QComboBox* combo = find<QComboBox>(name);
         QVERIFY2(combo->count() == 0 || combo->currentIndex() >= 0, name);
@@ -548,24 +398,18 @@ void TestMainWindow::failedExportKeepsTheOldFile()
     // The write stops part-way (the file-size limit binds root too and stands in for a full
     // disk): the earlier export stays byte for byte and no temporary file is left.
     const QString csv = m_dir->filePath("fixture.csv");
-    QFile old(csv);
-    QVERIFY(old.open(QIODevice::WriteOnly) && old.write("old,table\n") == 10);
-    old.close();
-    struct rlimit saved {};
-    QCOMPARE(getrlimit(RLIMIT_FSIZE, &saved), 0);
-    const struct rlimit small{16, saved.rlim_max};
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    m_prompter->saveAnswers << csv;
-    QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
-    find<QAction>("actionMaximizeFixture")->trigger();
-    setrlimit(RLIMIT_FSIZE, &saved);
-    std::signal(SIGXFSZ, handler);
+    QVERIFY(writeFileBytes(csv, "old,table\n"));
+    m_prompter->answers << csv << csv;
+    {
+        FileSizeLimit limit(16);
+        QVERIFY(limit.active);
+        trigger("actionMaximizeFixture");
+    }
     QCOMPARE(fileText(csv), QStringLiteral("old,table\n"));
     QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files), QStringList{"fixture.csv"});
 
     // Without the limit the same export replaces it.
-    m_prompter->saveAnswers << csv;
-    find<QAction>("actionMaximizeFixture")->trigger();
+    trigger("actionMaximizeFixture");
     QVERIFY(fileText(csv).startsWith("Fixtures, "));
 }
 
@@ -575,7 +419,7 @@ void TestMainWindow::fieldsAndLogShowOnlyTheirOwn()
     QLineEdit* feedwise = find<QLineEdit>("m_DL_Total_PLC_Length_Edit");
     doc()->root()->applyEditorValue(PropOutputMode, QStringLiteral("Feedwise"));
     doc()->setCurrent(doc()->root());
-    click("m_DL_AddJunctionBox_Button");
+    run("box");
     auto* wire = qobject_cast<BranchWireWidget*>(doc()->root()->child(0));
     QVERIFY(wire);
     wire->setLength(500.0);
@@ -588,7 +432,7 @@ void TestMainWindow::fieldsAndLogShowOnlyTheirOwn()
     m_window->DL_Update();
     QCOMPARE(feedwise->palette().color(QPalette::Base), Runplan::failingFieldColor());
     doc()->setCurrent(doc()->root());
-    m_prompter->deleteAnswers << true;
+    m_prompter->answers << true;
     m_window->DL_DeleteLast();
     QCOMPARE(doc()->count(ItemAny), 1);
     QVERIFY(!feedwise->isEnabled());
@@ -664,30 +508,26 @@ void TestMainWindow::withoutACatalog()
 void TestMainWindow::designExportsAndShowVoltages()
 {
     auto* show = find<QAction>("actionShowVoltages");
-    auto* canvas = find<CFrame>("m_DL_Frame");
-    QVERIFY(show->isCheckable() && !show->isChecked());
-    QVERIFY(!canvas->showsVoltages());
+    QVERIFY(show->isCheckable() && !show->isChecked() && !m_window->frame()->showsVoltages());
     show->trigger();
-    QVERIFY(canvas->showsVoltages());
+    QVERIFY(m_window->frame()->showsVoltages());
     {
         Runplan again;
         QVERIFY(again.findChild<QAction*>(QStringLiteral("actionShowVoltages"))->isChecked());
-        QVERIFY(again.findChild<CFrame*>(QStringLiteral("m_DL_Frame"))->showsVoltages());
+        QVERIFY(again.frame()->showsVoltages());
     }
     show->trigger();
     QVERIFY(!QSettings().value(QStringLiteral("rplan_show_voltages")).toBool());
 
     const QString csv = m_dir->filePath(QStringLiteral("parts.csv"));
     const QString pdf = m_dir->filePath(QStringLiteral("plan.pdf"));
-    m_prompter->saveAnswers = {csv, pdf, QString()};
-    find<QAction>("actionExportBillOfMaterials")->trigger();
+    m_prompter->answers << csv << pdf << QString();
+    trigger("actionExportBillOfMaterials");
     QVERIFY(m_prompter->lastArgs.value(1).endsWith(QStringLiteral("untitled.csv")));
     QVERIFY(fileText(csv).startsWith(QStringLiteral("Kind,Catalog Name,")));
-    find<QAction>("actionExportReport")->trigger();
-    QFile report(pdf);
-    QVERIFY(report.open(QIODevice::ReadOnly));
-    QVERIFY(report.read(5) == "%PDF-");
-    find<QAction>("actionExportReport")->trigger(); // cancelled: nothing written
+    trigger("actionExportReport");
+    QVERIFY(fileBytes(pdf).startsWith("%PDF-"));
+    trigger("actionExportReport"); // cancelled: nothing written
     QCOMPARE(m_prompter->asked, (QStringList{"save", "save", "save"}));
 }
 

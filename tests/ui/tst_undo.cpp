@@ -2,66 +2,32 @@
 // made by hand (the saved bytes, the totals and the selection), and the recovery of a run that did
 // not exit cleanly.
 
-#include "TestSupport.h"
+#include "WindowFixture.h"
 #include "app/Autosave.h"
-#include "app/Prompter.h"
-#include "app/Runplan.h"
 #include "app/commands/EditHistory.h"
 #include "catalog/Database.h"
-#include "model/CWidget.h"
-#include "model/CWidgetModel.h"
-#include "model/ConfigDocument.h"
 #include "model/DocumentSnapshot.h"
 #include "model/ProjectFile.h"
 #include "model/view/CWidgetTableView.h"
 
-#include <QAction>
-#include <QComboBox>
-#include <QDialog>
-#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
-#include <QSettings>
 #include <QSpinBox>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QUndoStack>
 
-// Says yes to every question; recovery answers come from a queue.
-class YesPrompter : public Prompter
-{
-public:
-    QList<bool> recoverAnswers;
-    QStringList recoverNames;
-    QString saveAnswer;
-
-    QString getOpenFileName(QWidget*, const QString&, const QString&, const QString&) override { return {}; }
-    QString getSaveFileName(QWidget*, const QString&, const QString&, const QString&) override
-    {
-        return saveAnswer;
-    }
-    bool askClearConfiguration(QWidget*) override { return true; }
-    SaveChoice askSaveChanges(QWidget*, const QString&) override { return SaveChoice::Discard; }
-    bool askReplace(QWidget*, const QString&) override { return true; }
-    bool confirmDelete(QWidget*) override { return true; }
-    bool askReplaceNotReadWhole(QWidget*, const QString&) override { return true; }
-    int execDialog(QDialog*) override { return QDialog::Rejected; }
-    bool askRecover(QWidget*, const QString& name) override
-    {
-        recoverNames << name;
-        return !recoverAnswers.isEmpty() && recoverAnswers.takeFirst();
-    }
-};
-
-class TestUndo : public QObject
+class TestUndo : public QObject, WindowFixture
 {
     Q_OBJECT
 
 private slots:
     void initTestCase();
-    void init();
-    void cleanup();
+    void init()
+    {
+        openWindow();
+        m_prompter->answerYes = true;
+    }
+    void cleanup() { closeWindow(); }
 
     void everyKindUndoAndRedo_data();
     void everyKindUndoAndRedo();
@@ -69,23 +35,11 @@ private slots:
     void crashedRunIsRecovered();
 
 private:
-    template <typename T> T* find(const QString& name) const
-    {
-        T* w = m_window->findChild<T*>(name);
-        if (!w)
-            qFatal("no widget or action named %s", qPrintable(name));
-        return w;
-    }
-    ConfigDocument* doc() const { return m_window->document(); }
     QUndoStack* stack() const { return m_window->history()->stack(); }
     // What a user sees of one state: the totals, the selection and the project as saved.
     QString seen() const;
-    // Runs comma-separated steps as a user would.
-    void run(const QString& steps);
 
     QTemporaryDir m_data; // the per-user application-data folder of this test
-    Runplan* m_window = nullptr;
-    YesPrompter* m_prompter = nullptr;
 };
 
 void TestUndo::initTestCase()
@@ -95,21 +49,6 @@ void TestUndo::initTestCase()
     QCoreApplication::setOrganizationName(QStringLiteral("Vorlux"));
     QCoreApplication::setApplicationName(QStringLiteral("Runplan"));
     QVERIFY2(Database::instance()->isValid(), "the catalog beside the test must load");
-}
-
-void TestUndo::init()
-{
-    QSettings().clear();
-    m_window = new Runplan;
-    m_prompter = new YesPrompter;
-    m_window->setPrompter(m_prompter);
-}
-
-void TestUndo::cleanup()
-{
-    doc()->setModified(false);
-    delete m_window;
-    delete m_prompter;
 }
 
 QString TestUndo::seen() const
@@ -126,53 +65,13 @@ QString TestUndo::seen() const
     return parts.join(' ') + '\n' + QString::fromUtf8(ProjectFile::toBytes(*doc(), *m_window));
 }
 
-void TestUndo::run(const QString& steps)
-{
-    static const QHash<QString, QString> buttons{
-        {"fixture", "m_DL_AddFixture_Button"}, {"jumper", "m_DL_AddJumper_Button"},
-        {"leader", "m_DL_AddLeader_Button"},   {"box", "m_DL_AddJunctionBox_Button"},
-        {"enabler", "m_DL_AddSupply_Button"},  {"maximize", "m_DL_Maximize_Button"}};
-    static const QHash<QString, int> properties{
-        {"mode", PropOutputMode}, {"type", PropType}, {"location", PropLocation}};
-    for (QString step : steps.split(',')) {
-        if ((step = step.trimmed()).isEmpty())
-            continue;
-        const QString name = step.section('=', 0, 0);
-        const QString value = step.section('=', 1);
-        if (buttons.contains(name))
-            QTest::mouseClick(find<QPushButton>(buttons.value(name)), Qt::LeftButton);
-        else if (properties.contains(name))
-            doc()->model()->setData(doc()->model()->indexOf(doc()->current(), properties.value(name)), value);
-        else if (name.endsWith("Combo") || name.endsWith("ComboBox")) {
-            QComboBox* c = find<QComboBox>(name);
-            c->setCurrentIndex(c->findText(value));
-        } else if (name == "reset") // no button of its own
-            m_window->on_m_DL_Reset_Button_clicked();
-        else if (name == "receiver") // its button is hidden
-            m_window->on_m_DL_AddReceiver_Button_clicked();
-        else if (name == "root")
-            doc()->setCurrent(doc()->root());
-        else if (name == "parent")
-            doc()->setCurrent(doc()->current()->parentWidget());
-        else if (name == "delete")
-            QTest::keyClick(m_window, Qt::Key_Delete);
-        else if (name == "new")
-            find<QAction>("actionNew")->trigger();
-        else
-            QFAIL(qPrintable("unknown step " + step));
-    }
-}
-
 void TestUndo::everyKindUndoAndRedo_data()
 {
     QTest::addColumn<QString>("prefix");
     QTest::addColumn<QString>("command");
-    QFile table(testDataPath(QStringLiteral("app/undo-steps.txt")));
-    QVERIFY(table.open(QIODevice::ReadOnly | QIODevice::Text));
-    for (const QString& line : QString::fromUtf8(table.readAll()).split('\n', Qt::SkipEmptyParts)) {
+    for (const QString& line : dataLines("app/undo-steps.txt")) {
         const QStringList cells = line.split('|');
-        if (!line.startsWith('#') && cells.size() == 3)
-            QTest::newRow(qPrintable(cells[0].trimmed())) << cells[1] << cells[2];
+        QTest::newRow(qPrintable(cells.value(0).trimmed())) << cells.value(1) << cells.value(2);
     }
 }
 
@@ -243,9 +142,9 @@ void TestUndo::modifiedFlagAndMergedSteps()
     QCOMPARE(seen(), other);
 
     // The exports drive the configuration without adding to the history.
-    m_prompter->saveAnswer = dir.filePath("max.csv");
+    m_prompter->answers << dir.filePath("max.csv");
     const int before = stack()->count();
-    find<QAction>("actionMaximizeFixture")->trigger();
+    trigger("actionMaximizeFixture");
     QVERIFY(QFile::exists(dir.filePath("max.csv")));
     QCOMPARE(stack()->count(), before);
 
@@ -271,7 +170,7 @@ void TestUndo::crashedRunIsRecovered()
         Runplan other;
         other.setPrompter(m_prompter);
         QVERIFY(!other.offerRecovery());
-        QVERIFY(m_prompter->recoverNames.isEmpty());
+        QVERIFY(!m_prompter->asked.contains("recover"));
     }
 
     // What a crash leaves: the files without a living owner. A clean exit removes its own.
@@ -285,9 +184,10 @@ void TestUndo::crashedRunIsRecovered()
 
     // Discard keeps the fresh configuration and the file is gone; Recover restores the tree.
     QVERIFY(QFile::copy(left + ".rpproj", left + "-2.rpproj"));
-    m_prompter->recoverAnswers << false << true;
+    m_prompter->answers << false << true;
     QVERIFY(m_window->offerRecovery());
-    QCOMPARE(m_prompter->recoverNames, (QStringList{"Untitled.rpproj", "Untitled.rpproj"}));
+    QCOMPARE(m_prompter->asked, (QStringList{"recover", "recover"}));
+    QCOMPARE(m_prompter->lastArgs, QStringList{"Untitled.rpproj"});
     QCOMPARE(seen().section('|', 0, 0) + seen().section('\n', 1), crashed);
     QVERIFY(doc()->isModified());
     QVERIFY(!QFile::exists(left + ".rpproj") && !QFile::exists(left + "-2.rpproj"));
