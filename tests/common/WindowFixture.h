@@ -3,20 +3,17 @@
 // The main window driven as a user would, every question answered from a script, and the file
 // helpers the window and batch suites share.
 
-#include "TestSupport.h"
+#include "CatalogFixture.h"
 #include "app/Prompter.h"
 #include "app/Runplan.h"
 #include "model/CWidget.h"
 #include "model/CWidgetModel.h"
-#include "model/ConfigDocument.h"
 
 #include <QAction>
 #include <QComboBox>
 #include <QDialog>
-#include <QFile>
 #include <QPushButton>
 #include <QSettings>
-#include <QTest>
 #include <QVariant>
 
 #include <csignal>
@@ -37,7 +34,7 @@ inline bool writeFileBytes(const QString& path, const QByteArray& bytes)
 // The lines of a file under tests/data, without blank lines and "#" comments.
 inline QStringList dataLines(const QString& relative)
 {
-    QStringList lines = QString::fromUtf8(fileBytes(testDataPath(relative))).split('\n', Qt::SkipEmptyParts);
+    QStringList lines = QString::fromUtf8(testDataBytes(relative)).split('\n', Qt::SkipEmptyParts);
     lines.removeIf([](const QString& line) { return line.startsWith('#'); });
     return lines;
 }

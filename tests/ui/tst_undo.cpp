@@ -5,7 +5,6 @@
 #include "WindowFixture.h"
 #include "app/Autosave.h"
 #include "app/commands/EditHistory.h"
-#include "catalog/Database.h"
 #include "model/DocumentSnapshot.h"
 #include "model/ProjectFile.h"
 #include "model/view/CWidgetTableView.h"
