@@ -52,8 +52,11 @@ void TestBatch::init()
 {
     // The program takes every argument with a "-" for an option: keep the paths handed to it
     // relative to a working folder whose own name has none.
+    // The two checked-in projects lie in it.
     m_dir = new QTemporaryDir(QDir::tempPath() + "/rpbatchXXXXXX");
     QVERIFY(m_dir->isValid());
+    for (const QString name : {"sample.rpproj", "overload.rpproj"})
+        QVERIFY(QFile::copy(testDataPath("app/" + name), m_dir->filePath(name)));
 }
 
 void TestBatch::cleanup()
@@ -118,7 +121,7 @@ void TestBatch::helpVersionAndNothingToDo()
     r = run({"-nw"});
     QCOMPARE(r.exitCode, 0);
     QVERIFY(r.err.contains("Command completed"));
-    QVERIFY(QDir(m_dir->path()).entryList(QDir::Files).isEmpty());
+    QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files), (QStringList{"overload.rpproj", "sample.rpproj"}));
 }
 
 // Each export byte for byte as checked in under tests/data/app: all fixtures; one fixture chosen by
@@ -177,7 +180,6 @@ void TestBatch::invalidCatalogFails()
     // writes nothing; with nothing to export it still says why, in the loader's words.
     const QString program = programWithoutCatalog();
     QVERIFY(writeFileBytes(m_dir->filePath("vx_config_dl.xml"), "<not a catalog"));
-    QVERIFY(QFile::copy(testDataPath("app/sample.rpproj"), m_dir->filePath("sample.rpproj")));
     for (const auto& [arguments, reason] : QList<QPair<QStringList, QByteArray>>{
              {{"-nw", "--maximize-all", "all.csv"}, "is not valid; nothing was exported"},
              {{"-nw", "--report", "sample.rpproj"}, "is not valid; no report"},
@@ -193,9 +195,7 @@ void TestBatch::reportPrintsTheAnalysis()
 {
     // The analysis log as checked in; the sample passes (0) and the overloaded copy fails (2).
     for (const auto& [name, status] : {std::pair{"sample", 0}, std::pair{"overload", 2}}) {
-        const QString project = QStringLiteral("%1.rpproj").arg(QLatin1String(name));
-        QVERIFY(QFile::copy(testDataPath("app/" + project), m_dir->filePath(project)));
-        const Run r = run({"-nw", "--report", project});
+        const Run r = run({"-nw", "--report", QString::fromLatin1(name) + ".rpproj"});
         QCOMPARE(r.exitCode, status);
         COMPARE_GOLDEN(r.out, QStringLiteral("app/%1.report.txt").arg(QLatin1String(name)));
     }
@@ -227,7 +227,7 @@ void TestBatch::qtOptionsAndDashedNames()
     QVERIFY2(r.err.contains("Open Error"), r.err.constData());
 
     // A project whose name holds a "-" is analysed.
-    QVERIFY(QFile::copy(testDataPath("app/sample.rpproj"), m_dir->filePath("my-plan.rpproj")));
+    QVERIFY(QFile::copy(m_dir->filePath("sample.rpproj"), m_dir->filePath("my-plan.rpproj")));
     r = run({"-nw", "--report", "my-plan.rpproj"});
     QCOMPARE(r.exitCode, 0);
     QVERIFY(r.out.contains("Length = "));
@@ -280,8 +280,6 @@ void TestBatch::unattendedWindowKeepsItsOutputs()
 // The design report and the bill of materials of a saved plan, beside the --report lines.
 void TestBatch::designExports()
 {
-    for (const char* name : {"sample.rpproj", "overload.rpproj"})
-        QVERIFY(QFile::copy(testDataPath(QStringLiteral("app/") + name), m_dir->filePath(name)));
     Run r =
         run({"-nw", "--export-report", "out.pdf", "--export-bom", "bom.csv", "--report", "sample.rpproj"});
     QCOMPARE(r.exitCode, 0);

@@ -31,8 +31,7 @@ private slots:
     void enablerChangeAsksBeforeClearing();
     void fixtureChangeAsksWhenFamiliesDiffer();
     void customVoltageAndLoad();
-    void saveAsNamesAndReplaces();
-    void newAndOpenAskAboutUnsavedChanges();
+    void saveNewAndOpen();
     void openedProjectShowsTopLeft();
     void maximizeAndExportMatchTheEngine();
     void openingWhatIsNotAProject();
@@ -184,11 +183,14 @@ void TestMainWindow::customVoltageAndLoad()
     QCOMPARE(find<QLabel>("m_DL_DerateLoad_Label")->text(), QStringLiteral("(derated to 16 amps)"));
 }
 
-void TestMainWindow::saveAsNamesAndReplaces()
+void TestMainWindow::saveNewAndOpen()
 {
-    // A bare name gets the extension; the window and its actions take the file's name.
+    // Save As a bare name: it gets the extension, and the window and its actions take its name.
+    const int save = int(Prompter::SaveChoice::Save);
+    const int discard = int(Prompter::SaveChoice::Discard);
     const QString plan = m_dir->filePath(QStringLiteral("plan"));
-    run("fixture");
+    QComboBox* volts = find<QComboBox>("m_DL_LineVoltage_Combo");
+    run("m_DL_LineVoltage_Combo=100, fixture, jumper, fixture");
     m_prompter->answers << plan;
     trigger("actionSaveAs");
     QCOMPARE(m_prompter->lastArgs, (QStringList{"Save Configuration",
@@ -199,75 +201,56 @@ void TestMainWindow::saveAsNamesAndReplaces()
     QCOMPARE(find<QAction>("actionSave")->text(), QStringLiteral("&Save plan.rpproj"));
     QCOMPARE(find<QAction>("actionSaveAs")->text(), QStringLiteral("Save plan.rpproj &As..."));
     QCOMPARE(QSettings().value("lastDirPath").toString(), m_dir->path());
+    const QByteArray saved = fileBytes(plan + ".rpproj");
 
-    // The same bare name over another file: No to the replace question brings the file dialog
-    // back, and cancelling that writes nothing.
-    QVERIFY(writeFileBytes(plan + ".rpproj", "keep"));
-    run("jumper");
-    m_prompter->answers << plan << false << QString();
-    trigger("actionSaveAs");
-    QCOMPARE(m_prompter->asked.mid(1), (QStringList{"save", "replace", "save"}));
-    QCOMPARE(fileText(plan + ".rpproj"), QStringLiteral("keep"));
-    QVERIFY(doc()->isModified());
-
-    // Yes overwrites it; a name with another case of the extension still gets its own.
-    m_prompter->answers << plan << true << m_dir->filePath("other.RPPROJ");
-    trigger("actionSaveAs");
-    QVERIFY(fileText(plan + ".rpproj").contains("RunplanConfigurationFile"));
+    // Unchanged: New asks nothing and starts over; Open brings the run and its header back.
+    trigger("actionNew");
+    QCOMPARE(m_prompter->asked, QStringList{"save"});
+    QCOMPARE(doc()->count(ItemAny), 1);
+    QCOMPARE(volts->currentText(), QStringLiteral("120"));
+    QVERIFY(m_window->windowTitle().startsWith("Untitled.rpproj[*] - "));
+    QCOMPARE(find<QAction>("actionSave")->text(), QStringLiteral("&Save "));
+    m_prompter->answers << plan + ".rpproj";
+    trigger("actionOpen");
+    QCOMPARE(m_prompter->lastArgs, (QStringList{"Open Configuration", m_dir->path(), projectFilter}));
+    QCOMPARE(doc()->count(ItemFixture), 2);
+    QCOMPARE(volts->currentText(), QStringLiteral("100"));
+    QCOMPARE(m_window->currentFilePath(), plan + ".rpproj");
     QVERIFY(!doc()->isModified());
+
+    // Changed: Cancel stops New; Discard lets it go on.
+    run("m_DL_LineVoltage_Combo=120");
+    m_prompter->answers << int(Prompter::SaveChoice::Cancel) << discard;
+    trigger("actionNew");
+    QCOMPARE(m_prompter->lastArgs, QStringList{"plan.rpproj"});
+    QCOMPARE(doc()->count(ItemFixture), 2);
+    trigger("actionNew");
+    QCOMPARE(doc()->count(ItemAny), 1);
+
+    // Save first: the bare name over the saved file asks; No brings the file dialog back and
+    // cancelling that writes nothing and opens nothing. Yes replaces it, then Open goes on (here
+    // cancelled).
+    run("fixture");
+    m_prompter->answers << save << plan << false << QString() << save << plan << true << QString();
+    trigger("actionOpen");
+    QCOMPARE(m_prompter->asked.mid(4), (QStringList{"saveChanges", "save", "replace", "save"}));
+    QCOMPARE(fileBytes(plan + ".rpproj"), saved);
+    QVERIFY(doc()->isModified());
+    trigger("actionOpen");
+    QCOMPARE(m_prompter->asked.mid(8), (QStringList{"saveChanges", "save", "replace", "open"}));
+    QVERIFY(fileBytes(plan + ".rpproj") != saved);
+    QVERIFY(!doc()->isModified());
+    QCOMPARE(doc()->count(ItemFixture), 1);
+
+    // A name with another case of the extension still gets its own; Save then asks nothing.
+    m_prompter->answers << m_dir->filePath("other.RPPROJ");
     trigger("actionSaveAs");
     QCOMPARE(find<QAction>("actionSave")->text(), QStringLiteral("&Save other.RPPROJ.rpproj"));
-
-    // Save writes to the current file without asking.
     const int asked = m_prompter->asked.size();
     run("fixture");
     trigger("actionSave");
     QCOMPARE(m_prompter->asked.size(), asked);
     QVERIFY(!doc()->isModified());
-}
-
-void TestMainWindow::newAndOpenAskAboutUnsavedChanges()
-{
-    // A saved run of two fixtures at 100 V. Unchanged: New asks nothing and starts over.
-    QComboBox* volts = find<QComboBox>("m_DL_LineVoltage_Combo");
-    run("m_DL_LineVoltage_Combo=100, fixture, jumper, fixture");
-    const QString saved = m_dir->filePath("two.rpproj");
-    QVERIFY(m_window->saveProject(saved));
-    trigger("actionNew");
-    QVERIFY(m_prompter->asked.isEmpty());
-    QCOMPARE(doc()->count(ItemAny), 1);
-    QCOMPARE(volts->currentText(), QStringLiteral("120"));
-    QVERIFY(m_window->windowTitle().startsWith("Untitled.rpproj[*] - "));
-    QCOMPARE(find<QAction>("actionSave")->text(), QStringLiteral("&Save "));
-
-    // Open brings the run and its header back.
-    m_prompter->answers << saved;
-    trigger("actionOpen");
-    QCOMPARE(m_prompter->lastArgs.value(0), QStringLiteral("Open Configuration"));
-    QCOMPARE(m_prompter->lastArgs.value(2), projectFilter);
-    QCOMPARE(doc()->count(ItemFixture), 2);
-    QCOMPARE(volts->currentText(), QStringLiteral("100"));
-    QCOMPARE(m_window->currentFilePath(), saved);
-    QVERIFY(!doc()->isModified());
-
-    // Changed: Cancel stops New; Discard lets it go on.
-    run("m_DL_LineVoltage_Combo=120");
-    m_prompter->answers << int(Prompter::SaveChoice::Cancel) << int(Prompter::SaveChoice::Discard);
-    trigger("actionNew");
-    QCOMPARE(m_prompter->lastArgs, QStringList{"two.rpproj"});
-    QCOMPARE(doc()->count(ItemFixture), 2);
-    trigger("actionNew");
-    QCOMPARE(doc()->count(ItemAny), 1);
-
-    // Save writes the changes first, then Open goes on; a cancelled file dialog opens nothing.
-    run("fixture");
-    const QString third = m_dir->filePath("three");
-    m_prompter->answers << int(Prompter::SaveChoice::Save) << third << QString();
-    trigger("actionOpen");
-    QCOMPARE(m_prompter->asked.mid(m_prompter->asked.size() - 3), (QStringList{"saveChanges", "save", "open"}));
-    QCOMPARE(m_window->currentFilePath(), third + ".rpproj");
-    QVERIFY(QFile::exists(third + ".rpproj"));
-    QCOMPARE(doc()->count(ItemFixture), 1);
 }
 
 void TestMainWindow::openedProjectShowsTopLeft()
@@ -329,15 +312,7 @@ void TestMainWindow::openingWhatIsNotAProject()
     QVERIFY(m_window->saveProject(saved));
     const QString title = m_window->windowTitle();
     QVERIFY2(title.startsWith("stage%1.rpproj[*] - Runplan Release 3.17.0 [Build 20250205-2cbee83]"), qPrintable(title));
-    const char* const selectors[] = {"m_DLSupply_Combo", "m_DLFixture_Combo", "m_DL_LineVoltage_Combo",
-                                     "m_DL_MaxLoad_Combo", "m_frequencyComboBox", "m_DLController_Combo"};
-    auto choices = [&]() {
-        QStringList out;
-        for (const char* name : selectors)
-            out << QString::number(find<QComboBox>(name)->currentIndex());
-        return out;
-    };
-    const QStringList before = choices();
+    const QByteArray before = ProjectFile::toBytes(*doc(), *m_window); // the run and every selector
 
     // Not a project: refused with an "Open Error"; nothing in the window changes, so Save cannot
     // write over the file.
@@ -351,8 +326,7 @@ void TestMainWindow::openingWhatIsNotAProject()
     QCOMPARE(messages.messages.at(0).title, QStringLiteral("Open Error"));
     QCOMPARE(m_window->windowTitle(), title);
     QCOMPARE(m_window->currentFilePath(), saved);
-    QCOMPARE(choices(), before);
-    QCOMPARE(doc()->count(ItemFixture), 2);
+    QCOMPARE(ProjectFile::toBytes(*doc(), *m_window), before);
     QVERIFY(m_window->statusBar()->currentMessage().startsWith("Failed to open configuration " + text));
 
     // A project that breaks off opens as far as it goes, the failure line goes, and the first
@@ -385,7 +359,8 @@ void TestMainWindow::openingWhatIsNotAProject()
     QVERIFY(!m_window->notReadWholeReason().isEmpty());
     QCOMPARE(find<QComboBox>("m_frequencyComboBox")->currentIndex(), -1);
     trigger("actionNew");
-    for (const char* name : selectors) {
+    for (const char* name : {"m_DLSupply_Combo", "m_DLFixture_Combo", "m_DL_LineVoltage_Combo",
+                             "m_DL_MaxLoad_Combo", "m_frequencyComboBox", "m_DLController_Combo"}) {
         const QComboBox* combo = find<QComboBox>(name);
         QVERIFY2(combo->count() == 0 || combo->currentIndex() >= 0, name);
     }
