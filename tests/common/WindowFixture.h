@@ -39,28 +39,21 @@ inline QStringList dataLines(const QString& relative)
     return lines;
 }
 
-// While it lives, writes of this process and its children stop after `bytes` (the limit binds
-// root too and stands in for a full disk).
-class FileSizeLimit
+// Runs f while writes of this process and its children stop after `bytes` (the limit binds root
+// too and stands in for a full disk); false when the limit could not be set.
+template <typename F> bool withFileSizeLimit(rlim_t bytes, F f)
 {
-public:
-    explicit FileSizeLimit(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &m_saved);
-        const struct rlimit small{bytes, m_saved.rlim_max};
-        active = setrlimit(RLIMIT_FSIZE, &small) == 0;
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_saved);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    bool active = false;
-
-private:
-    struct rlimit m_saved {};
-    void (*m_handler)(int);
-};
+    struct rlimit saved {};
+    getrlimit(RLIMIT_FSIZE, &saved);
+    const struct rlimit small{bytes, saved.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const bool set = setrlimit(RLIMIT_FSIZE, &small) == 0;
+    if (set)
+        f();
+    setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, handler);
+    return set;
+}
 
 // Answers from one queue in the order asked; every question is recorded. With no answer left a
 // question is unexpected, unless answerYes is set: then it gets yes, Discard, or no file.

@@ -30,7 +30,6 @@ private slots:
     void addButtonsFollowEveryChange();
     void enablerChangeAsksBeforeClearing();
     void fixtureChangeAsksWhenFamiliesDiffer();
-    void customVoltageAndLoad();
     void saveNewAndOpen();
     void openedProjectShowsTopLeft();
     void maximizeAndExportMatchTheEngine();
@@ -155,34 +154,6 @@ void TestMainWindow::fixtureChangeAsksWhenFamiliesDiffer()
     QCOMPARE(volts->currentText(), QStringLiteral("120"));
 }
 
-void TestMainWindow::customVoltageAndLoad()
-{
-    // "Other" shows a spin box whose value is used, also after a change of fixture; a listed value
-    // hides it again.
-    QSpinBox* voltSpin = find<QSpinBox>("m_DL_LineVoltage_Spin");
-    QVERIFY(voltSpin->isHidden());
-    run("m_DL_LineVoltage_Combo=Other");
-    voltSpin->setValue(230);
-    QCOMPARE(m_window->circuitInputs().lineVoltage, 230.0);
-    run("m_DLFixture_Combo=Linea Cove Dynaline 2ft");
-    QCOMPARE(find<QComboBox>("m_DL_LineVoltage_Combo")->currentText(), QStringLiteral("Other"));
-    QVERIFY(!voltSpin->isHidden());
-    run("m_DL_LineVoltage_Combo=100");
-    QVERIFY(voltSpin->isHidden());
-    QCOMPARE(m_window->circuitInputs().lineVoltage, 100.0);
-
-    // The load likewise, with its derated value shown.
-    QSpinBox* loadSpin = find<QSpinBox>("m_DL_MaxLoad_Spin");
-    run("m_DL_MaxLoad_Combo=Other");
-    loadSpin->setValue(25);
-    QCOMPARE(m_window->circuitInputs().maxCircuitLoad, 25.0);
-    QCOMPARE(find<QLabel>("m_DL_DerateLoad_Label")->text(), QStringLiteral("(derated to 20 amps)"));
-    run("m_DL_MaxLoad_Combo=20");
-    QVERIFY(loadSpin->isHidden());
-    QCOMPARE(m_window->circuitInputs().maxCircuitLoad, 20.0);
-    QCOMPARE(find<QLabel>("m_DL_DerateLoad_Label")->text(), QStringLiteral("(derated to 16 amps)"));
-}
-
 void TestMainWindow::saveNewAndOpen()
 {
     // Save As a bare name: it gets the extension, and the window and its actions take its name.
@@ -289,11 +260,7 @@ void TestMainWindow::maximizeAndExportMatchTheEngine()
     const QString chosen = m_dir->filePath("fixture.csv");
     QVERIFY(writeFileBytes(chosen, "old,table\n"));
     m_prompter->answers << chosen << chosen << QString();
-    {
-        FileSizeLimit limit(16);
-        QVERIFY(limit.active);
-        trigger("actionMaximizeFixture");
-    }
+    QVERIFY(withFileSizeLimit(16, [this] { trigger("actionMaximizeFixture"); }));
     QCOMPARE(m_prompter->lastArgs, (QStringList{"Select file", "data.csv", "CSV File (*.csv);; All Files (*.*)"}));
     QCOMPARE(fileText(chosen), QStringLiteral("old,table\n"));
     QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files), QStringList{"fixture.csv"});

@@ -118,27 +118,36 @@ void TestUndo::modifiedFlagAndMergedSteps()
     QVERIFY(doc()->isModified());
     stack()->undo();
 
-    // Repeated changes of one spin box are one step, undone at once; a spin box turned back to
-    // where it started leaves no step; the other spin box makes a step of its own.
-    run("m_DL_LineVoltage_Combo=Other");
-    QComboBox* load = find<QComboBox>("m_DL_MaxLoad_Combo");
-    load->setCurrentIndex(load->count() - 1);
+    // "Other" shows a spin box whose value is used, also after a change of fixture; a listed
+    // value hides it again. Repeated changes of one spin box are one step, undone at once; a spin
+    // box turned back to where it started leaves no step; the other spin box makes its own.
+    QSpinBox* volts = find<QSpinBox>("m_DL_LineVoltage_Spin");
+    QSpinBox* amps = find<QSpinBox>("m_DL_MaxLoad_Spin");
+    QVERIFY(volts->isHidden() && amps->isHidden());
+    run("m_DL_LineVoltage_Combo=Other, m_DL_MaxLoad_Combo=Other, m_DLFixture_Combo=Linea Cove Dynaline 2ft");
+    QVERIFY(!volts->isHidden() && !amps->isHidden());
     const int steps = stack()->count();
     const QString other = seen();
-    QSpinBox* volts = find<QSpinBox>("m_DL_LineVoltage_Spin");
     const int start = volts->value();
     volts->setValue(200);
     volts->setValue(start);
     QCOMPARE(stack()->count(), steps);
-    for (int value : {200, 210, 220})
+    for (int value : {200, 210, 230})
         volts->setValue(value);
     QCOMPARE(stack()->count(), steps + 1);
-    QSpinBox* amps = find<QSpinBox>("m_DL_MaxLoad_Spin");
-    amps->setValue(amps->value() + 1);
+    amps->setValue(25);
     QCOMPARE(stack()->count(), steps + 2);
+    QCOMPARE(m_window->circuitInputs().lineVoltage, 230.0);
+    QCOMPARE(m_window->circuitInputs().maxCircuitLoad, 25.0);
+    QCOMPARE(find<QLabel>("m_DL_DerateLoad_Label")->text(), QStringLiteral("(derated to 20 amps)"));
     stack()->undo();
     stack()->undo();
     QCOMPARE(seen(), other);
+    run("m_DL_LineVoltage_Combo=100, m_DL_MaxLoad_Combo=20");
+    QVERIFY(volts->isHidden() && amps->isHidden());
+    QCOMPARE(m_window->circuitInputs().lineVoltage, 100.0);
+    QCOMPARE(m_window->circuitInputs().maxCircuitLoad, 20.0);
+    QCOMPARE(find<QLabel>("m_DL_DerateLoad_Label")->text(), QStringLiteral("(derated to 16 amps)"));
 
     // The exports drive the configuration without adding to the history.
     m_prompter->answers << dir.filePath("max.csv");
