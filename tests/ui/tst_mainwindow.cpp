@@ -28,10 +28,8 @@ private slots:
     void cleanup();
 
     void addButtonsFollowEveryChange();
-    void enablerChangeAsksBeforeClearing();
-    void fixtureChangeAsksWhenFamiliesDiffer();
+    void selectorChangesAskBeforeClearing();
     void saveNewAndOpen();
-    void openedProjectShowsTopLeft();
     void maximizeAndExportMatchTheEngine();
     void openingWhatIsNotAProject();
     void fieldsAndLogShowOnlyTheirOwn();
@@ -98,41 +96,15 @@ void TestMainWindow::addButtonsFollowEveryChange()
     QCOMPARE(enabled(), QStringLiteral("Fixture Leader JunctionBox maximize"));
 }
 
-void TestMainWindow::enablerChangeAsksBeforeClearing()
-{
-    // A lone enabler is replaced without a question, and the fixture list becomes its own.
-    QComboBox* supplies = find<QComboBox>("m_DLSupply_Combo");
-    run("m_DLSupply_Combo=Line Voltage");
-    QVERIFY(m_prompter->asked.isEmpty());
-    QCOMPARE(doc()->root()->catalogItem()->name, QStringLiteral("Line Voltage"));
-    QCOMPARE(find<QComboBox>("m_DLController_Combo")->count(), 0);
-
-    // With a run built, No keeps everything as it was; Yes clears the run and starts over.
-    m_prompter->answers << false << true;
-    run("fixture, m_DLSupply_Combo=Signal Feeder Pro");
-    QCOMPARE(supplies->currentText(), QStringLiteral("Line Voltage"));
-    QCOMPARE(doc()->count(ItemAny), 2);
-    run("m_DLSupply_Combo=Signal Feeder Pro");
-    QCOMPARE(m_prompter->asked, (QStringList{"clear", "clear"}));
-    QCOMPARE(doc()->count(ItemAny), 1);
-    QCOMPARE(doc()->root()->catalogItem()->name, QStringLiteral("Signal Feeder Pro"));
-    QVERIFY(find<QComboBox>("m_DLController_Combo")->count() > 0);
-
-    // Changes made by the program itself never ask.
-    run("fixture");
-    m_window->selectEnabler(Database::instance()->supplyNamed(QStringLiteral("Line Voltage")));
-    QCOMPARE(m_prompter->asked.size(), 2);
-    QCOMPARE(doc()->count(ItemAny), 1);
-}
-
-void TestMainWindow::fixtureChangeAsksWhenFamiliesDiffer()
+void TestMainWindow::selectorChangesAskBeforeClearing()
 {
     // An empty run changes fixture freely; the voltage list becomes the fixture's. Placed fixtures
     // of the same family stay.
+    const QString troughB = QStringLiteral("Linea Trough Model B Dynaline 6in (100v - 120v)");
     QComboBox* volts = find<QComboBox>("m_DL_LineVoltage_Combo");
     run("m_DLFixture_Combo=Linea Trough Model A Dynaline 6in (100v - 120v)");
     QCOMPARE(volts->count(), 3);
-    run("m_DL_LineVoltage_Combo=100, fixture, m_DLFixture_Combo=Linea Trough Model B Dynaline 6in (100v - 120v)");
+    run("m_DL_LineVoltage_Combo=100, fixture, m_DLFixture_Combo=" + troughB);
     QVERIFY(m_prompter->asked.isEmpty());
     QCOMPARE(doc()->count(ItemFixture), 1);
 
@@ -140,8 +112,7 @@ void TestMainWindow::fixtureChangeAsksWhenFamiliesDiffer()
     // voltage is kept where the new fixture offers it.
     m_prompter->answers << false << true;
     run("m_DLFixture_Combo=Stylebar Tunable Dynaline 1ft");
-    QCOMPARE(find<QComboBox>("m_DLFixture_Combo")->currentText(),
-             QStringLiteral("Linea Trough Model B Dynaline 6in (100v - 120v)"));
+    QCOMPARE(find<QComboBox>("m_DLFixture_Combo")->currentText(), troughB);
     QCOMPARE(doc()->count(ItemFixture), 1);
     run("m_DLFixture_Combo=Stylebar Tunable Dynaline 1ft");
     QCOMPARE(m_prompter->asked, (QStringList{"clear", "clear"}));
@@ -152,6 +123,30 @@ void TestMainWindow::fixtureChangeAsksWhenFamiliesDiffer()
     // A voltage the new fixture lacks gives way to the fixture's starting voltage.
     run("m_DL_LineVoltage_Combo=277, m_DLFixture_Combo=Linea Trough Model A Dynaline 6in (100v - 120v)");
     QCOMPARE(volts->currentText(), QStringLiteral("120"));
+
+    // A lone enabler is replaced without a question, and the fixture list becomes its own.
+    run("m_DLSupply_Combo=Line Voltage");
+    QCOMPARE(m_prompter->asked.size(), 2);
+    QCOMPARE(doc()->root()->catalogItem()->name, QStringLiteral("Line Voltage"));
+    QCOMPARE(find<QComboBox>("m_DLController_Combo")->count(), 0);
+
+    // The enabler with a run built: No keeps everything as it was; Yes clears the run and starts
+    // over.
+    m_prompter->answers << false << true;
+    run("fixture, m_DLSupply_Combo=Signal Feeder Pro");
+    QCOMPARE(find<QComboBox>("m_DLSupply_Combo")->currentText(), QStringLiteral("Line Voltage"));
+    QCOMPARE(doc()->count(ItemAny), 2);
+    run("m_DLSupply_Combo=Signal Feeder Pro");
+    QCOMPARE(m_prompter->asked.mid(2), (QStringList{"clear", "clear"}));
+    QCOMPARE(doc()->count(ItemAny), 1);
+    QCOMPARE(doc()->root()->catalogItem()->name, QStringLiteral("Signal Feeder Pro"));
+    QVERIFY(find<QComboBox>("m_DLController_Combo")->count() > 0);
+
+    // Changes made by the program itself never ask.
+    run("fixture");
+    m_window->selectEnabler(Database::instance()->supplyNamed(QStringLiteral("Line Voltage")));
+    QCOMPARE(m_prompter->asked.size(), 4);
+    QCOMPARE(doc()->count(ItemAny), 1);
 }
 
 void TestMainWindow::saveNewAndOpen()
@@ -213,30 +208,10 @@ void TestMainWindow::saveNewAndOpen()
     QVERIFY(!doc()->isModified());
     QCOMPARE(doc()->count(ItemFixture), 1);
 
-    // A name with another case of the extension still gets its own; Save then asks nothing.
+    // A name with another case of the extension still gets its own.
     m_prompter->answers << m_dir->filePath("other.RPPROJ");
     trigger("actionSaveAs");
     QCOMPARE(find<QAction>("actionSave")->text(), QStringLiteral("&Save other.RPPROJ.rpproj"));
-    const int asked = m_prompter->asked.size();
-    run("fixture");
-    trigger("actionSave");
-    QCOMPARE(m_prompter->asked.size(), asked);
-    QVERIFY(!doc()->isModified());
-}
-
-void TestMainWindow::openedProjectShowsTopLeft()
-{
-    // A canvas narrower than the enabler plus the scroll-into-view margin, as before the window
-    // is first shown (a project named on the command line), and scrolled away from the origin.
-    const QString saved = m_dir->filePath("one.rpproj");
-    QVERIFY(m_window->saveProject(saved));
-    CFrame* canvas = m_window->frame();
-    canvas->resize(380, 300);
-    QVERIFY(canvas->horizontalScrollBar()->maximum() > 0);
-    canvas->horizontalScrollBar()->setValue(200);
-    QVERIFY(m_window->openProject(saved));
-    QCOMPARE(canvas->horizontalScrollBar()->value(), 0);
-    QCOMPARE(canvas->verticalScrollBar()->value(), 0);
 }
 
 void TestMainWindow::maximizeAndExportMatchTheEngine()
@@ -297,13 +272,20 @@ void TestMainWindow::openingWhatIsNotAProject()
     QVERIFY(m_window->statusBar()->currentMessage().startsWith("Failed to open configuration " + text));
 
     // A project that breaks off opens as far as it goes, the failure line goes, and the first
-    // Save over it asks: No keeps the file, Yes replaces it, and later Saves ask no more.
+    // Save over it asks: No keeps the file, Yes replaces it, and later Saves ask no more. It shows
+    // its top-left corner also on a canvas narrower than the enabler plus the scroll-into-view
+    // margin (as before the window is first shown), scrolled away from the origin.
     const QString part = m_dir->filePath("part.rpproj");
     const QByteArray whole = fileBytes(saved);
     const QByteArray cut = whole.left(whole.indexOf("<CWidget CWidgetItemType=\"3\""));
     QVERIFY(writeFileBytes(part, cut));
     m_prompter->answers << part;
+    m_window->frame()->resize(380, 300);
+    m_window->frame()->horizontalScrollBar()->setValue(200);
+    QCOMPARE(m_window->frame()->horizontalScrollBar()->value(), 200);
     trigger("actionOpen");
+    QCOMPARE(m_window->frame()->horizontalScrollBar()->value(), 0);
+    QCOMPARE(m_window->frame()->verticalScrollBar()->value(), 0);
     QCOMPARE(messages.messages.size(), 1);
     QCOMPARE(m_window->currentFilePath(), part);
     QCOMPARE(doc()->count(ItemFixture), 1);
@@ -339,9 +321,7 @@ void TestMainWindow::fieldsAndLogShowOnlyTheirOwn()
 {
     // A Feedwise run 500 ft long, then its enabler deleted: the disabled field keeps no length.
     QLineEdit* feedwise = find<QLineEdit>("m_DL_Total_PLC_Length_Edit");
-    doc()->root()->applyEditorValue(PropOutputMode, QStringLiteral("Feedwise"));
-    doc()->setCurrent(doc()->root());
-    run("box");
+    run("mode=Feedwise, box");
     auto* wire = qobject_cast<BranchWireWidget*>(doc()->root()->child(0));
     QVERIFY(wire);
     wire->setLength(500.0);
