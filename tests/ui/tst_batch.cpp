@@ -30,11 +30,10 @@ private slots:
     void cleanup();
 
     void parsesTheCommandLine();
-    void helpVersionAndNothingToDo();
+    void runsAsTabled();
     void exportsMatchTheGoldenFiles();
     void unwritableOutputFails();
     void invalidCatalogFails();
-    void reportPrintsTheAnalysis();
     void qtOptionsAndDashedNames();
     void unattendedWindowKeepsItsOutputs();
     void designExports();
@@ -52,10 +51,10 @@ void TestBatch::init()
 {
     // The program takes every argument with a "-" for an option: keep the paths handed to it
     // relative to a working folder whose own name has none.
-    // The two checked-in projects lie in it.
+    // The checked-in projects lie in it.
     m_dir = new QTemporaryDir(QDir::tempPath() + "/rpbatchXXXXXX");
     QVERIFY(m_dir->isValid());
-    for (const QString name : {"sample.rpproj", "overload.rpproj"})
+    for (const QString& name : QDir(testDataPath("app")).entryList({"*.rpproj"}))
         QVERIFY(QFile::copy(testDataPath("app/" + name), m_dir->filePath(name)));
 }
 
@@ -108,20 +107,22 @@ void TestBatch::parsesTheCommandLine()
     }
 }
 
-void TestBatch::helpVersionAndNothingToDo()
+// The rows of tests/data/app/runs.txt: each run ends with its status, says what it should on
+// standard error, prints its golden output and leaves the working folder as it was.
+void TestBatch::runsAsTabled()
 {
-    Run r = run({"--help"});
-    QCOMPARE(r.exitCode, 0);
-    COMPARE_GOLDEN(r.out, "app/help.txt");
-    r = run({"--version"});
-    QCOMPARE(r.exitCode, 0);
-    QCOMPARE(r.out, QByteArray("Runplan 3.17.0 (build 20250205-2cbee83)\n"));
-
-    // An unattended run with nothing to do ends at once and writes nothing.
-    r = run({"-nw"});
-    QCOMPARE(r.exitCode, 0);
-    QVERIFY(r.err.contains("Command completed"));
-    QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files), (QStringList{"overload.rpproj", "sample.rpproj"}));
+    const QStringList files = QDir(m_dir->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+    for (const QString& line : dataLines("app/runs.txt")) {
+        const QStringList cells = line.split('|');
+        const Run r = run(cells.value(0).split(' ', Qt::SkipEmptyParts));
+        const QByteArray err = cells.value(2).trimmed().replace("\\n", "\n").toUtf8();
+        QVERIFY2(r.exitCode == cells.value(1).toInt() && r.err.contains(err), qPrintable(line + '\n' + r.err));
+        if (cells.value(3).trimmed() == "-")
+            QVERIFY2(r.out.isEmpty(), qPrintable(line));
+        else if (!cells.value(3).trimmed().isEmpty())
+            COMPARE_GOLDEN(r.out, "app/" + cells.value(3).trimmed());
+        QCOMPARE(QDir(m_dir->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), files);
+    }
 }
 
 // Each export byte for byte as checked in under tests/data/app: all fixtures; one fixture chosen by
@@ -149,12 +150,9 @@ void TestBatch::exportsMatchTheGoldenFiles()
 
 void TestBatch::unwritableOutputFails()
 {
-    // A folder that is not there, and a write that stops part-way (a file-size limit the program
-    // inherits stands in for a full disk): status 1, the file named, nothing left behind.
-    Run r = run({"-nw", "--maximize-all", "nofolder/out.csv"});
-    QCOMPARE(r.exitCode, 1);
-    QVERIFY2(r.err.contains("cannot write") && r.err.contains("out.csv"), r.err.constData());
-    QVERIFY(!QFile::exists(m_dir->filePath("nofolder/out.csv")));
+    // A write that stops part-way (a file-size limit the program inherits stands in for a full
+    // disk): status 1, the file named, nothing left behind.
+    Run r;
     QVERIFY(withFileSizeLimit(16, [&] { r = run({"-nw", "--maximize-all", "full.csv"}); }));
     QCOMPARE(r.exitCode, 1);
     QVERIFY2(r.err.contains("full.csv"), r.err.constData());
@@ -185,29 +183,6 @@ void TestBatch::invalidCatalogFails()
         QVERIFY2(r.err.contains(reason), r.err.constData());
     }
     QVERIFY(!QFile::exists(m_dir->filePath("all.csv")));
-}
-
-void TestBatch::reportPrintsTheAnalysis()
-{
-    // The analysis log as checked in; the sample passes (0) and the overloaded copy fails (2).
-    for (const auto& [name, status] : {std::pair{"sample", 0}, std::pair{"overload", 2}}) {
-        const Run r = run({"-nw", "--report", QString::fromLatin1(name) + ".rpproj"});
-        QCOMPARE(r.exitCode, status);
-        COMPARE_GOLDEN(r.out, QStringLiteral("app/%1.report.txt").arg(QLatin1String(name)));
-    }
-    // Whatever was not read whole is no report: the reason goes to stderr and the status is 1
-    // (tests/data/app/broken/reasons.txt: the file | the reason).
-    for (const QString& line : dataLines("app/broken/reasons.txt")) {
-        const QString name = line.section(" | ", 0, 0);
-        QFile::copy(testDataPath("app/broken/" + name), m_dir->filePath(name)); // none for "missing"
-        const Run r = run({"-nw", "--report", name});
-        QCOMPARE(r.exitCode, 1);
-        QVERIFY2(r.err.contains(name.toUtf8()) && r.err.contains(line.section(" | ", 1).toUtf8()), r.err.constData());
-        QVERIFY(r.out.isEmpty());
-    }
-    // Only an unattended run reports.
-    QCOMPARE(run({"--report", "sample.rpproj"}).exitCode, 1);
-    QCOMPARE(run({"-nw", "--report"}).exitCode, 1);
 }
 
 void TestBatch::qtOptionsAndDashedNames()
@@ -282,18 +257,11 @@ void TestBatch::designExports()
     QVERIFY(readFile("out.pdf").startsWith("%PDF-"));
     COMPARE_GOLDEN(readFile("bom.csv"), "app/sample.bom.csv");
 
-    // A failing plan still gets its files, with status 2; a file that cannot be written gives 1,
-    // the reason, and nothing in its place.
+    // A failing plan still gets its files, with status 2 (failures to write: runs.txt).
     r = run({"-nw", "--export-bom", "over.csv", "overload.rpproj"});
     QCOMPARE(r.exitCode, 2);
     QVERIFY(r.out.isEmpty());
     QVERIFY(QFile::exists(m_dir->filePath("over.csv")));
-    r = run({"-nw", "--export-report", "missing/out.pdf", "sample.rpproj"});
-    QCOMPARE(r.exitCode, 1);
-    QVERIFY(r.err.contains("cannot write the report missing/out.pdf"));
-    QVERIFY(!QFile::exists(m_dir->filePath("missing/out.pdf")));
-    QCOMPARE(run({"-nw", "--export-bom", "x.csv", "absent.rpproj"}).exitCode, 1);
-    QVERIFY(!QFile::exists(m_dir->filePath("x.csv")));
 
     // As a reader sees it: a summary page, the run diagram, the run table with the bill of materials.
     const QString pdftotext = QStandardPaths::findExecutable(QStringLiteral("pdftotext"));
