@@ -153,7 +153,6 @@ void TestMainWindow::saveNewAndOpen()
 {
     // Save As a bare name: it gets the extension, and the window and its actions take its name.
     const int save = int(Prompter::SaveChoice::Save);
-    const int discard = int(Prompter::SaveChoice::Discard);
     const QString plan = m_dir->filePath(QStringLiteral("plan"));
     QComboBox* volts = find<QComboBox>("m_DL_LineVoltage_Combo");
     run("m_DL_LineVoltage_Combo=100, fixture, jumper, fixture");
@@ -186,7 +185,7 @@ void TestMainWindow::saveNewAndOpen()
 
     // Changed: Cancel stops New; Discard lets it go on.
     run("m_DL_LineVoltage_Combo=120");
-    m_prompter->answers << int(Prompter::SaveChoice::Cancel) << discard;
+    m_prompter->answers << int(Prompter::SaveChoice::Cancel) << int(Prompter::SaveChoice::Discard);
     trigger("actionNew");
     QCOMPARE(m_prompter->lastArgs, QStringList{"plan.rpproj"});
     QCOMPARE(doc()->count(ItemFixture), 2);
@@ -363,12 +362,9 @@ public:
     int execDialog(QDialog* dialog) override
     {
         auto* box = qobject_cast<QMessageBox*>(dialog);
-        if (!box)
-            return QDialog::Rejected;
         seen << box->windowTitle() << box->text() << box->defaultButton()->text();
-        const int answer = box->standardButton(box->defaultButton());
         box->defaultButton()->click();
-        return answer;
+        return box->standardButton(box->defaultButton());
     }
 };
 
