@@ -14,9 +14,11 @@
 #include <QDialog>
 #include <QPushButton>
 #include <QSettings>
+#include <QTemporaryDir>
 #include <QVariant>
 
 #include <csignal>
+#include <memory>
 #include <sys/resource.h>
 
 inline QByteArray fileBytes(const QString& path)
@@ -106,13 +108,17 @@ private:
     }
 };
 
-// One window per test function, on a cleared settings store, with a scripted prompter.
+// One window per test function, on a cleared settings store of the program's own name, with a
+// scripted prompter and a temporary folder.
 class WindowFixture
 {
 protected:
     void openWindow()
     {
+        QCoreApplication::setOrganizationName(QStringLiteral("Vorlux"));
+        QCoreApplication::setApplicationName(QStringLiteral("Runplan"));
         QSettings().clear();
+        m_dir = std::make_unique<QTemporaryDir>();
         m_window = new Runplan;
         m_prompter = new ScriptedPrompter;
         m_window->setPrompter(m_prompter);
@@ -122,6 +128,7 @@ protected:
         doc()->setModified(false); // nothing left to save: closing must not ask
         delete m_window;
         delete m_prompter;
+        m_dir.reset();
     }
     // The window's widgets and actions, found by their object names.
     template <typename T> T* find(const QString& name) const
@@ -177,4 +184,5 @@ protected:
 
     Runplan* m_window = nullptr;
     ScriptedPrompter* m_prompter = nullptr;
+    std::unique_ptr<QTemporaryDir> m_dir;
 };

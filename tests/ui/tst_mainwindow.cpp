@@ -12,7 +12,6 @@
 #include <QScrollBar>
 #include <QSpinBox>
 #include <QStatusBar>
-#include <QTemporaryDir>
 #include <QTextBlock>
 #include <QTextEdit>
 
@@ -24,46 +23,30 @@ class TestMainWindow : public QObject, WindowFixture
 
 private slots:
     void initTestCase();
-    void init();
+    void init() { openWindow(); }
     void cleanup();
 
     void addButtonsFollowEveryChange();
     void selectorChangesAskBeforeClearing();
     void saveNewAndOpen();
-    void maximizeAndExportMatchTheEngine();
+    void maximizeAndEveryExport();
     void openingWhatIsNotAProject();
     void fieldsAndLogShowOnlyTheirOwn();
     void questionBoxes();
     void withoutACatalog();
-    void designExportsAndShowVoltages();
-
-private:
-    QString fileText(const QString& path) const { return QString::fromUtf8(fileBytes(path)); }
-
-    QTemporaryDir* m_dir = nullptr;
 };
 
 void TestMainWindow::initTestCase()
 {
-    QCoreApplication::setOrganizationName(QStringLiteral("Vorlux"));
-    QCoreApplication::setApplicationName(QStringLiteral("Runplan"));
     // withoutACatalog() runs a copy of this test where no catalog lies beside it.
     if (qEnvironmentVariableIsEmpty("RUNPLAN_TEST_NO_CATALOG"))
         QVERIFY2(Database::instance()->isValid(), "the catalog beside the test must load");
-}
-
-void TestMainWindow::init()
-{
-    m_dir = new QTemporaryDir;
-    QVERIFY(m_dir->isValid());
-    openWindow();
 }
 
 void TestMainWindow::cleanup()
 {
     QVERIFY2(m_prompter->unexpected.isEmpty(), qPrintable(m_prompter->unexpected.join(", ")));
     closeWindow();
-    delete m_dir;
 }
 
 void TestMainWindow::addButtonsFollowEveryChange()
@@ -213,7 +196,7 @@ void TestMainWindow::saveNewAndOpen()
     QCOMPARE(find<QAction>("actionSave")->text(), QStringLiteral("&Save other.RPPROJ.rpproj"));
 }
 
-void TestMainWindow::maximizeAndExportMatchTheEngine()
+void TestMainWindow::maximizeAndEveryExport()
 {
     // The largest run from the starting fixture: 64 at 120 V, as in the checked-in table. The
     // totals are green while the run passes and red with one fixture more.
@@ -236,13 +219,39 @@ void TestMainWindow::maximizeAndExportMatchTheEngine()
     m_prompter->answers << chosen << chosen << QString();
     QVERIFY(withFileSizeLimit(16, [this] { trigger("actionMaximizeFixture"); }));
     QCOMPARE(m_prompter->lastArgs, (QStringList{"Select file", "data.csv", "CSV File (*.csv);; All Files (*.*)"}));
-    QCOMPARE(fileText(chosen), QStringLiteral("old,table\n"));
+    QCOMPARE(fileBytes(chosen), QByteArray("old,table\n"));
     QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files), QStringList{"fixture.csv"});
     trigger("actionMaximizeFixture");
     QCOMPARE(fileBytes(chosen), testDataBytes("app/batch-first.csv"));
     trigger("actionMaximizeAll");
     QCOMPARE(m_prompter->lastArgs.value(1), chosen);
     QCOMPARE(QSettings().value("maximize_fixture_file").toString(), QString());
+
+    // File › "Export Bill of Materials..." and "Export Report..." write what the user names, one
+    // question each (the last one cancelled: nothing written).
+    const QString csv = m_dir->filePath(QStringLiteral("parts.csv"));
+    const QString pdf = m_dir->filePath(QStringLiteral("plan.pdf"));
+    m_prompter->answers << csv << pdf << QString();
+    trigger("actionExportBillOfMaterials");
+    QVERIFY(m_prompter->lastArgs.value(1).endsWith(QStringLiteral("untitled.csv")));
+    QVERIFY(fileBytes(csv).startsWith("Kind,Catalog Name,"));
+    trigger("actionExportReport");
+    QVERIFY(fileBytes(pdf).startsWith("%PDF-"));
+    trigger("actionExportReport");
+    QCOMPARE(m_prompter->asked, QStringList(6, "save"));
+
+    // View › "Show Voltages" is off until chosen, and then remembered.
+    auto* show = find<QAction>("actionShowVoltages");
+    QVERIFY(show->isCheckable() && !show->isChecked() && !m_window->frame()->showsVoltages());
+    show->trigger();
+    QVERIFY(m_window->frame()->showsVoltages());
+    {
+        Runplan again;
+        QVERIFY(again.findChild<QAction*>(QStringLiteral("actionShowVoltages"))->isChecked());
+        QVERIFY(again.frame()->showsVoltages());
+    }
+    show->trigger();
+    QVERIFY(!QSettings().value(QStringLiteral("rplan_show_voltages")).toBool());
 }
 
 void TestMainWindow::openingWhatIsNotAProject()
@@ -295,7 +304,7 @@ void TestMainWindow::openingWhatIsNotAProject()
     QCOMPARE(m_prompter->lastArgs, QStringList{"part.rpproj"});
     QCOMPARE(fileBytes(part), cut);
     trigger("actionSave");
-    QVERIFY(fileText(part).endsWith("</Runplan>\n"));
+    QVERIFY(fileBytes(part).endsWith("</Runplan>\n"));
     const int asked = m_prompter->asked.size();
     trigger("actionSave");
     QCOMPARE(m_prompter->asked.size(), asked);
@@ -399,34 +408,6 @@ void TestMainWindow::withoutACatalog()
     QVERIFY(child.waitForFinished(120000));
     QVERIFY2(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0,
              child.readAllStandardOutput().constData());
-}
-
-// File › "Export Report..." and "Export Bill of Materials..." write what the user names; View ›
-// "Show Voltages" is off until chosen, and then remembered.
-void TestMainWindow::designExportsAndShowVoltages()
-{
-    auto* show = find<QAction>("actionShowVoltages");
-    QVERIFY(show->isCheckable() && !show->isChecked() && !m_window->frame()->showsVoltages());
-    show->trigger();
-    QVERIFY(m_window->frame()->showsVoltages());
-    {
-        Runplan again;
-        QVERIFY(again.findChild<QAction*>(QStringLiteral("actionShowVoltages"))->isChecked());
-        QVERIFY(again.frame()->showsVoltages());
-    }
-    show->trigger();
-    QVERIFY(!QSettings().value(QStringLiteral("rplan_show_voltages")).toBool());
-
-    const QString csv = m_dir->filePath(QStringLiteral("parts.csv"));
-    const QString pdf = m_dir->filePath(QStringLiteral("plan.pdf"));
-    m_prompter->answers << csv << pdf << QString();
-    trigger("actionExportBillOfMaterials");
-    QVERIFY(m_prompter->lastArgs.value(1).endsWith(QStringLiteral("untitled.csv")));
-    QVERIFY(fileText(csv).startsWith(QStringLiteral("Kind,Catalog Name,")));
-    trigger("actionExportReport");
-    QVERIFY(fileBytes(pdf).startsWith("%PDF-"));
-    trigger("actionExportReport"); // cancelled: nothing written
-    QCOMPARE(m_prompter->asked, (QStringList{"save", "save", "save"}));
 }
 
 QTEST_MAIN(TestMainWindow)

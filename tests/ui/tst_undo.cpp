@@ -12,7 +12,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QSpinBox>
-#include <QTemporaryDir>
 #include <QUndoStack>
 
 class TestUndo : public QObject, WindowFixture
@@ -45,8 +44,6 @@ void TestUndo::initTestCase()
 {
     QVERIFY(m_data.isValid());
     qputenv("XDG_DATA_HOME", m_data.path().toUtf8());
-    QCoreApplication::setOrganizationName(QStringLiteral("Vorlux"));
-    QCoreApplication::setApplicationName(QStringLiteral("Runplan"));
     QVERIFY2(Database::instance()->isValid(), "the catalog beside the test must load");
 }
 
@@ -104,9 +101,8 @@ void TestUndo::everyKindUndoAndRedo()
 
 void TestUndo::modifiedFlagAndMergedSteps()
 {
-    QTemporaryDir dir;
     run("fixture, jumper");
-    QVERIFY(m_window->saveProject(dir.filePath("saved.rpproj")));
+    QVERIFY(m_window->saveProject(m_dir->filePath("saved.rpproj")));
     QVERIFY(!doc()->isModified());
 
     // Undo back to the saved state clears the flag; redo away from it sets it.
@@ -150,10 +146,10 @@ void TestUndo::modifiedFlagAndMergedSteps()
     QCOMPARE(find<QLabel>("m_DL_DerateLoad_Label")->text(), QStringLiteral("(derated to 16 amps)"));
 
     // The exports drive the configuration without adding to the history.
-    m_prompter->answers << dir.filePath("max.csv");
+    m_prompter->answers << m_dir->filePath("max.csv");
     const int before = stack()->count();
     trigger("actionMaximizeFixture");
-    QVERIFY(QFile::exists(dir.filePath("max.csv")));
+    QVERIFY(QFile::exists(m_dir->filePath("max.csv")));
     QCOMPARE(stack()->count(), before);
 
     // New leaves nothing to save, also when reached again by redo.
