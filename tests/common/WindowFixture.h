@@ -113,7 +113,7 @@ private:
 class WindowFixture
 {
 protected:
-    void openWindow()
+    void openWindow(bool answerYes = false)
     {
         QCoreApplication::setOrganizationName(QStringLiteral("Vorlux"));
         QCoreApplication::setApplicationName(QStringLiteral("Runplan"));
@@ -121,6 +121,7 @@ protected:
         m_dir = std::make_unique<QTemporaryDir>();
         m_window = new Runplan;
         m_prompter = new ScriptedPrompter;
+        m_prompter->answerYes = answerYes;
         m_window->setPrompter(m_prompter);
     }
     void closeWindow()

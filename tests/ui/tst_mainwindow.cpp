@@ -135,7 +135,6 @@ void TestMainWindow::selectorChangesAskBeforeClearing()
 void TestMainWindow::saveNewAndOpen()
 {
     // Save As a bare name: it gets the extension, and the window and its actions take its name.
-    const int save = int(Prompter::SaveChoice::Save);
     const QString plan = m_dir->filePath(QStringLiteral("plan"));
     QComboBox* volts = find<QComboBox>("m_DL_LineVoltage_Combo");
     run("m_DL_LineVoltage_Combo=100, fixture, jumper, fixture");
@@ -179,7 +178,8 @@ void TestMainWindow::saveNewAndOpen()
     // cancelling that writes nothing and opens nothing. Yes replaces it, then Open goes on (here
     // cancelled).
     run("fixture");
-    m_prompter->answers << save << plan << false << QString() << save << plan << true << QString();
+    m_prompter->answers << int(Prompter::SaveChoice::Save) << plan << false << QString()
+                        << int(Prompter::SaveChoice::Save) << plan << true << QString();
     trigger("actionOpen");
     QCOMPARE(m_prompter->asked.mid(4), (QStringList{"saveChanges", "save", "replace", "save"}));
     QCOMPARE(fileBytes(plan + ".rpproj"), saved);
@@ -201,13 +201,10 @@ void TestMainWindow::maximizeAndEveryExport()
     // The largest run from the starting fixture: 64 at 120 V, as in the checked-in table. The
     // totals are green while the run passes and red with one fixture more.
     run("fixture, maximize");
-    QCOMPARE(doc()->count(ItemFixture), 64);
-    QVERIFY(doc()->passFlag());
     QCOMPARE(find<QLabel>("m_DL_TotalFixtures_Label")->text(), QStringLiteral("Total Fixtures: 64"));
     QLineEdit* watts = find<QLineEdit>("m_DL_TotalPowerWatts_Edit");
     QCOMPARE(watts->palette().color(QPalette::Base), Runplan::passingFieldColor());
     run("fixture");
-    QVERIFY(!doc()->passFlag());
     QCOMPARE(watts->palette().color(QPalette::Base), Runplan::failingFieldColor());
     m_window->DL_DeleteLast();
 
@@ -401,10 +398,9 @@ void TestMainWindow::withoutACatalog()
     const QString copy = m_dir->filePath("tst_mainwindow");
     QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), copy));
     QProcess child;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert("RUNPLAN_TEST_NO_CATALOG", "1");
-    child.setProcessEnvironment(env);
+    qputenv("RUNPLAN_TEST_NO_CATALOG", "1"); // for the child: this process has its catalog loaded
     child.start(copy, {"withoutACatalog"});
+    qunsetenv("RUNPLAN_TEST_NO_CATALOG");
     QVERIFY(child.waitForFinished(120000));
     QVERIFY2(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0,
              child.readAllStandardOutput().constData());

@@ -20,11 +20,7 @@ class TestUndo : public QObject, WindowFixture
 
 private slots:
     void initTestCase();
-    void init()
-    {
-        openWindow();
-        m_prompter->answerYes = true;
-    }
+    void init() { openWindow(true); }
     void cleanup() { closeWindow(); }
 
     void everyKindUndoAndRedo_data();
