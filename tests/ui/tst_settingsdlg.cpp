@@ -17,67 +17,51 @@
 
 namespace
 {
-const QStringList DialogKeys{
-    QStringLiteral("update_never_check"), QStringLiteral("update_check_interval_days"),
-    QStringLiteral("use_proxy"),          QStringLiteral("proxy_host"),
-    QStringLiteral("proxy_port"),         QStringLiteral("proxy_user"),
-    QStringLiteral("proxy_password")};
-
-// Every stored dialog key as "key=value".
+// Every stored key as "key=value", in the order of the keys.
 QStringList stored()
 {
     QSettings settings;
     QStringList present;
-    for (const QString& key : DialogKeys) {
-        if (settings.contains(key))
-            present.append(key + '=' + settings.value(key).toString());
-    }
+    for (const QString& key : settings.allKeys())
+        present.append(key + '=' + settings.value(key).toString());
     return present;
 }
 
-// The controls of one dialog, looked up by their object names.
-struct Controls {
-    explicit Controls(SettingsDlg& dlg)
-        : proxyCheckBox(dlg.findChild<QCheckBox*>(QStringLiteral("proxyCheckBox"))),
-          proxyFrame(dlg.findChild<QFrame*>(QStringLiteral("proxyFrame"))),
-          proxyLineEdit(dlg.findChild<QLineEdit*>(QStringLiteral("proxyLineEdit"))),
-          proxyPortSpinBox(dlg.findChild<QSpinBox*>(QStringLiteral("proxyPortSpinBox"))),
-          usernameLineEdit(dlg.findChild<QLineEdit*>(QStringLiteral("usernameLineEdit"))),
-          passwordLineEdit(dlg.findChild<QLineEdit*>(QStringLiteral("passwordLineEdit"))),
-          autoCheck(dlg.findChild<QCheckBox*>(QStringLiteral("autoCheckForUpdatesCheckbox"))),
-          interval(dlg.findChild<QSpinBox*>(QStringLiteral("checkForUpdateEveryNDaysSpinBox"))),
-          buttonBox(dlg.findChild<QDialogButtonBox*>(QStringLiteral("buttonBox")))
-    {
-    }
-    // Gives every control a value other than its first-run one.
-    void changeAll() const
-    {
-        proxyCheckBox->click();
-        proxyLineEdit->setText(QStringLiteral("proxy.vorlux.example"));
-        proxyPortSpinBox->setValue(3128);
-        usernameLineEdit->setText(QStringLiteral("planner"));
-        passwordLineEdit->setText(QStringLiteral(" pa ss "));
-        autoCheck->click();
-        interval->setValue(0);
-    }
-    void press(QDialogButtonBox::StandardButton which) const
-    {
-        QTest::ignoreMessage(QtDebugMsg, which == QDialogButtonBox::Ok
-                                             ? "Dialog accepted, writing settings changes."
-                                             : "Dialog rejected, ignoring settings changes.");
-        buttonBox->button(which)->click();
-    }
+// One control of the dialog, by its object name.
+template<class Control>
+Control* control(const SettingsDlg& dlg, const char* name)
+{
+    return dlg.findChild<Control*>(QLatin1String(name));
+}
 
-    QCheckBox* proxyCheckBox;
-    QFrame* proxyFrame;
-    QLineEdit* proxyLineEdit;
-    QSpinBox* proxyPortSpinBox;
-    QLineEdit* usernameLineEdit;
-    QLineEdit* passwordLineEdit;
-    QCheckBox* autoCheck;
-    QSpinBox* interval;
-    QDialogButtonBox* buttonBox;
-};
+// Gives every control a value other than its first-run one.
+void changeAll(const SettingsDlg& dlg)
+{
+    control<QCheckBox>(dlg, "proxyCheckBox")->click();
+    control<QLineEdit>(dlg, "proxyLineEdit")->setText(QStringLiteral("proxy.vorlux.example"));
+    control<QSpinBox>(dlg, "proxyPortSpinBox")->setValue(3128);
+    control<QLineEdit>(dlg, "usernameLineEdit")->setText(QStringLiteral("planner"));
+    control<QLineEdit>(dlg, "passwordLineEdit")->setText(QStringLiteral(" pa ss "));
+    control<QCheckBox>(dlg, "autoCheckForUpdatesCheckbox")->click();
+    control<QSpinBox>(dlg, "checkForUpdateEveryNDaysSpinBox")->setValue(0);
+}
+
+void press(const SettingsDlg& dlg, QDialogButtonBox::StandardButton which)
+{
+    QTest::ignoreMessage(QtDebugMsg, which == QDialogButtonBox::Ok ? "Dialog accepted, writing settings changes."
+                                                                   : "Dialog rejected, ignoring settings changes.");
+    control<QDialogButtonBox>(dlg, "buttonBox")->button(which)->click();
+}
+
+// What a dialog opened now shows: port, automatic check, proxy on, proxy frame enabled, interval.
+QVariantList shown()
+{
+    const SettingsDlg dlg;
+    return {control<QSpinBox>(dlg, "proxyPortSpinBox")->value(),
+            control<QCheckBox>(dlg, "autoCheckForUpdatesCheckbox")->isChecked(),
+            control<QCheckBox>(dlg, "proxyCheckBox")->isChecked(), control<QFrame>(dlg, "proxyFrame")->isEnabled(),
+            control<QSpinBox>(dlg, "checkForUpdateEveryNDaysSpinBox")->value()};
+}
 } // namespace
 
 class TestSettingsDlg : public QObject
@@ -97,8 +81,7 @@ private slots:
     }
     void init() { QSettings().clear(); }
 
-    void cancelWritesNothing();
-    void okWritesEveryKey();
+    void okWritesEveryKeyCancelNone();
     void unreadableValuesTakeDefaults();
     void storeIsReadableByItsOwnerOnly();
 
@@ -106,51 +89,39 @@ private:
     QTemporaryDir m_store;
 };
 
-void TestSettingsDlg::cancelWritesNothing()
-{
-    QSettings().setValue(QStringLiteral("proxy_host"), QStringLiteral("kept.vorlux.example"));
-    {
-        SettingsDlg dlg;
-        Controls c(dlg);
-        c.changeAll();
-        c.press(QDialogButtonBox::Cancel);
-        QCOMPARE(dlg.result(), int(QDialog::Rejected));
-    }
-    QCOMPARE(stored(), QStringList{QStringLiteral("proxy_host=kept.vorlux.example")});
-}
-
-void TestSettingsDlg::okWritesEveryKey()
+void TestSettingsDlg::okWritesEveryKeyCancelNone()
 {
     // On a first run nothing is stored and the proxy is off; Ok writes the untouched values too.
+    QCOMPARE(shown(), (QVariantList{8080, true, false, false, 14}));
+    QVERIFY(stored().isEmpty());
     {
-        SettingsDlg dlg;
-        Controls c(dlg);
-        QVERIFY(!c.proxyFrame->isEnabled());
-        QVERIFY(stored().isEmpty());
-        c.press(QDialogButtonBox::Ok);
+        const SettingsDlg dlg;
+        press(dlg, QDialogButtonBox::Ok);
         QCOMPARE(dlg.result(), int(QDialog::Accepted));
     }
-    QCOMPARE(stored(),
-             QStringList({"update_never_check=false", "update_check_interval_days=14", "use_proxy=false",
-                          "proxy_host=", "proxy_port=8080", "proxy_user=", "proxy_password="}));
+    const QStringList firstRun({"proxy_host=", "proxy_password=", "proxy_port=8080", "proxy_user=",
+                                "update_check_interval_days=14", "update_never_check=false", "use_proxy=false"});
+    QCOMPARE(stored(), firstRun);
     {
-        SettingsDlg dlg;
-        Controls c(dlg);
-        c.changeAll();
-        c.press(QDialogButtonBox::Ok);
+        const SettingsDlg dlg;
+        changeAll(dlg);
+        press(dlg, QDialogButtonBox::Cancel);
+        QCOMPARE(dlg.result(), int(QDialog::Rejected));
     }
-    const QStringList changed({"update_never_check=true", "update_check_interval_days=0", "use_proxy=true",
-                               "proxy_host=proxy.vorlux.example", "proxy_port=3128", "proxy_user=planner",
-                               "proxy_password= pa ss "});
-    QCOMPARE(stored(), changed);
+    QCOMPARE(stored(), firstRun);
+    {
+        const SettingsDlg dlg;
+        changeAll(dlg);
+        press(dlg, QDialogButtonBox::Ok);
+    }
+    QCOMPARE(stored(), QStringList({"proxy_host=proxy.vorlux.example", "proxy_password= pa ss ", "proxy_port=3128",
+                                    "proxy_user=planner", "update_check_interval_days=0", "update_never_check=true",
+                                    "use_proxy=true"}));
 
     // Reopened, the dialog shows what was stored, the 0-day interval included.
-    SettingsDlg dlg;
-    Controls c(dlg);
-    QCOMPARE(c.interval->value(), 0);
-    QVERIFY(!c.autoCheck->isChecked());
-    QVERIFY(c.proxyFrame->isEnabled());
-    QCOMPARE(c.passwordLineEdit->text(), QStringLiteral(" pa ss "));
+    QCOMPARE(shown(), (QVariantList{3128, false, true, true, 0}));
+    const SettingsDlg dlg;
+    QCOMPARE(control<QLineEdit>(dlg, "passwordLineEdit")->text(), QStringLiteral(" pa ss "));
 }
 
 void TestSettingsDlg::unreadableValuesTakeDefaults()
@@ -162,15 +133,7 @@ void TestSettingsDlg::unreadableValuesTakeDefaults()
         settings.setValue(QStringLiteral("use_proxy"), QStringLiteral("yes"));
         settings.setValue(QStringLiteral("update_check_interval_days"), 400); // beyond the control's 365
     }
-    {
-        SettingsDlg dlg;
-        Controls c(dlg);
-        QCOMPARE(c.proxyPortSpinBox->value(), 8080);
-        QVERIFY(c.autoCheck->isChecked());
-        QVERIFY(!c.proxyCheckBox->isChecked());
-        QVERIFY(!c.proxyFrame->isEnabled());
-        QCOMPARE(c.interval->value(), 14);
-    }
+    QCOMPARE(shown(), (QVariantList{8080, true, false, false, 14}));
     // Readable values, as this program and hand editing write them, are taken.
     {
         QSettings settings;
@@ -178,11 +141,7 @@ void TestSettingsDlg::unreadableValuesTakeDefaults()
         settings.setValue(QStringLiteral("update_never_check"), QStringLiteral("TRUE"));
         settings.setValue(QStringLiteral("use_proxy"), 1);
     }
-    SettingsDlg dlg;
-    Controls c(dlg);
-    QCOMPARE(c.proxyPortSpinBox->value(), 3128);
-    QVERIFY(!c.autoCheck->isChecked());
-    QVERIFY(c.proxyCheckBox->isChecked());
+    QCOMPARE(shown(), (QVariantList{3128, false, true, true, 14}));
 }
 
 void TestSettingsDlg::storeIsReadableByItsOwnerOnly()
@@ -192,14 +151,11 @@ void TestSettingsDlg::storeIsReadableByItsOwnerOnly()
     const QString path = QSettings().fileName();
     const auto othersMay =
         QFileDevice::ReadGroup | QFileDevice::WriteGroup | QFileDevice::ReadOther | QFileDevice::WriteOther;
-    const auto shared =
-        QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther;
     const QList<std::function<void()>> writes{
         [] {
-            SettingsDlg dlg;
-            Controls c(dlg);
-            c.passwordLineEdit->setText(QStringLiteral("secret"));
-            c.press(QDialogButtonBox::Ok);
+            const SettingsDlg dlg;
+            control<QLineEdit>(dlg, "passwordLineEdit")->setText(QStringLiteral("secret"));
+            press(dlg, QDialogButtonBox::Ok);
         },
         [] { RunplanSettings::setLastDirPath(QDir::tempPath()); },
         [] { RunplanSettings::setMaximizeFixtureFile(QStringLiteral("out.csv")); },
@@ -207,7 +163,7 @@ void TestSettingsDlg::storeIsReadableByItsOwnerOnly()
     for (const auto& write : writes) {
         QSettings().setValue(QStringLiteral("rp_window_geometry"), QByteArray("x"));
         QSettings().sync();
-        QVERIFY(QFile::setPermissions(path, shared));
+        QVERIFY(QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner | othersMay));
         write();
         QVERIFY(QFile::exists(path));
         QCOMPARE(QFile::permissions(path) & othersMay, QFileDevice::Permissions());

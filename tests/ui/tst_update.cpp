@@ -12,49 +12,36 @@ using VxCommonUtils::AutoUpdateTool;
 
 namespace
 {
-// Answers every GET with one canned response, or never answers at all.
-class LoopbackHttpServer
-{
-public:
+// Answers every GET with one canned response, or, while silent, never answers at all.
+struct LoopbackHttpServer {
     LoopbackHttpServer()
     {
-        m_server.listen(QHostAddress::LocalHost, 0);
-        QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this] {
-            while (QTcpSocket* socket = m_server.nextPendingConnection())
-                QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { read(socket); });
+        server.listen(QHostAddress::LocalHost, 0);
+        QObject::connect(&server, &QTcpServer::newConnection, &server, [this] {
+            while (QTcpSocket* socket = server.nextPendingConnection())
+                QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { answer(socket); });
         });
     }
-    QString hostAndPort() const { return QStringLiteral("127.0.0.1:%1").arg(m_server.serverPort()); }
-    void respondWith(int status, const QByteArray& body)
+    QString hostAndPort() const { return QStringLiteral("127.0.0.1:%1").arg(server.serverPort()); }
+    void answer(QTcpSocket* socket)
     {
-        m_silent = false;
-        m_status = status;
-        m_body = body;
-    }
-    void stayQuiet() { m_silent = true; }
-    QList<QByteArray> requestLines; // first line of every request
-
-private:
-    void read(QTcpSocket* socket)
-    {
-        QByteArray& pending = m_pending[socket];
-        pending += socket->readAll();
-        if (!pending.contains("\r\n\r\n"))
+        const QByteArray request = socket->peek(socket->bytesAvailable());
+        if (!request.contains("\r\n\r\n"))
+            return; // the rest of the request is still on its way
+        requestLines.append(request.left(request.indexOf("\r\n")));
+        socket->readAll();
+        if (silent)
             return;
-        requestLines.append(pending.left(pending.indexOf("\r\n")));
-        pending.clear();
-        if (m_silent)
-            return;
-        socket->write("HTTP/1.1 " + QByteArray::number(m_status) + (m_status == 200 ? " OK" : " Not Found") +
-                      "\r\nContent-Type: text/xml\r\nContent-Length: " + QByteArray::number(m_body.size()) +
-                      "\r\nConnection: close\r\n\r\n" + m_body);
+        socket->write("HTTP/1.1 " + QByteArray::number(status) + (status == 200 ? " OK" : " Not Found") +
+                      "\r\nContent-Type: text/xml\r\nContent-Length: " + QByteArray::number(body.size()) +
+                      "\r\nConnection: close\r\n\r\n" + body);
         socket->disconnectFromHost();
     }
-    QTcpServer m_server;
-    QHash<QTcpSocket*, QByteArray> m_pending;
-    bool m_silent = false;
-    int m_status = 200;
-    QByteArray m_body;
+    QTcpServer server;
+    QList<QByteArray> requestLines; // first line of every request
+    bool silent = false;
+    int status = 200;
+    QByteArray body;
 };
 
 // Records every prompt as "title: text" and answers questions with a preset answer.
@@ -128,11 +115,7 @@ void TestUpdate::readsVersionFile_data()
     for (const QString& name : dir.entryList({QStringLiteral("*.xml")}))
         QTest::newRow(qPrintable(name))
             << readData(check + name) << check + QFileInfo(name).baseName() + ".out";
-    // Hostile replies: refused before a tree is built, whatever they would have said.
-    QTest::newRow("nested inside a newer release")
-        << readData("update/nested-in-release.xml") << check + "too-deep.out";
-    QTest::newRow("20 000 levels in 60 KB")
-        << readData("update/nested-20000-levels.xml") << check + "too-deep.out";
+    // Hostile replies too large to read (the files hold those nested too deep).
     QTest::newRow("40 000 levels in 280 KB")
         << QByteArray("<a>").repeated(40000) + QByteArray("</a>").repeated(40000) << check + "too-large.out";
     QTest::newRow("newer, but over 64 KiB")
@@ -170,7 +153,7 @@ void TestUpdate::checkerOverHttp()
     checker.setTimeout(150);
 
     // Newer, and the user says Yes: the download page opens. Two quick presses send one request.
-    server.respondWith(200, readData("update/check/newer-minor.xml"));
+    server.body = readData("update/check/newer-minor.xml");
     m_prompter.answerYes = true;
     QTest::ignoreMessage(QtDebugMsg, "AUT: getVersionInfo - already busy, returning");
     checker.start();
@@ -184,7 +167,7 @@ void TestUpdate::checkerOverHttp()
     QCOMPARE(server.requestLines, QList<QByteArray>{"GET /software/VxAppVersions.xml HTTP/1.1"});
 
     // Same version.
-    server.respondWith(200, readData("update/check/same-version.xml"));
+    server.body = readData("update/check/same-version.xml");
     checker.start();
     QTRY_COMPARE_WITH_TIMEOUT(m_prompter.prompts.size(), 2, 5000);
     QCOMPARE(
@@ -193,14 +176,15 @@ void TestUpdate::checkerOverHttp()
 
     // An HTTP error and an unanswered request both end silently, without a download.
     QSignalSpy downloads(checker.tool(), &AutoUpdateTool::fileDownloadSuccess);
-    server.respondWith(404, readData("update/check/newer-major.xml"));
+    server.status = 404;
+    server.body = readData("update/check/newer-major.xml");
     QTest::ignoreMessage(QtDebugMsg,
                          QRegularExpression(QStringLiteral("^AUT:handleReply - got error message: ")));
     checker.start();
     QTRY_COMPARE_WITH_TIMEOUT(server.requestLines.size(), 3, 5000);
     QTRY_VERIFY_WITH_TIMEOUT(!checker.tool()->isBusy(), 5000);
 
-    server.stayQuiet();
+    server.silent = true;
     QTest::ignoreMessage(QtDebugMsg, "AUT: Busy Timer fired - emitting unable to retrieve file signal.");
     QTest::ignoreMessage(QtDebugMsg,
                          QRegularExpression(QStringLiteral("^AUT:handleReply - got error message: ")));
@@ -211,7 +195,9 @@ void TestUpdate::checkerOverHttp()
     QCOMPARE(m_prompter.prompts.size(), 2);
 
     // A reply far larger than any version file is refused while it downloads.
-    server.respondWith(200, readData("update/check/newer-major.xml") + QByteArray(4 << 20, ' '));
+    server.silent = false;
+    server.status = 200;
+    server.body = readData("update/check/newer-major.xml") + QByteArray(4 << 20, ' ');
     QTest::ignoreMessage(QtDebugMsg, "AUT:handleReply - reply refused: larger than 65536 bytes");
     checker.start();
     QTRY_VERIFY_WITH_TIMEOUT(!checker.tool()->isBusy(), 5000);
