@@ -2,7 +2,6 @@
 
 #include <QProgressBar>
 #include <QPushButton>
-#include <QSignalSpy>
 #include <QtTest>
 
 class TestLoadingDialog : public QObject

@@ -13,11 +13,9 @@
 #include <QFontMetrics>
 #include <QHeaderView>
 #include <QLineEdit>
-#include <QPixmap>
 #include <QPushButton>
-#include <QSettings>
 #include <QSpinBox>
-#include <QTest>
+#include <QtTest>
 #include <QTextEdit>
 
 class TestPropertyTable : public QObject

@@ -2,9 +2,7 @@
 #include "app/AboutDialog.h"
 #include "app/SplashScreen.h"
 
-#include <QDate>
 #include <QLabel>
-#include <QPixmap>
 #include <QtTest>
 
 namespace

@@ -7,14 +7,10 @@
 
 #include <QAction>
 #include <QDomDocument>
-#include <QFile>
 #include <QMenuBar>
-#include <QProcess>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QTableView>
-#include <QTemporaryDir>
-#include <QTest>
+#include <QtTest>
 
 namespace
 {

@@ -3,7 +3,6 @@
 #include "update/UpdateChecker.h"
 
 #include <QHostAddress>
-#include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QtTest>
