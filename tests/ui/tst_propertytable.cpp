@@ -36,7 +36,6 @@ private slots:
 private:
     CWidgetTableView* table() const { return m_window->propertyTable(); }
     ConfigDocument* doc() const { return m_window->document(); }
-    CWidgetModel* model() const { return doc()->model(); }
     void click(const char* button)
     {
         QTest::mouseClick(m_window->findChild<QPushButton*>(button), Qt::LeftButton);
@@ -44,7 +43,7 @@ private:
     QList<int> visibleColumns() const
     {
         QList<int> shown;
-        for (int c = 0; c < model()->columnCount(); ++c)
+        for (int c = 0; c < doc()->model()->columnCount(); ++c)
             if (!table()->isColumnHidden(c))
                 shown << c;
         return shown;
@@ -75,8 +74,7 @@ private:
     {
         // A junction box comes on its own branch wire; the wire stays when the box goes.
         click("m_DL_AddJunctionBox_Button");
-        CWidget* box = doc()->current();
-        CWidget* wire = box->parentWidget();
+        CWidget* wire = doc()->current()->parentWidget();
         m_window->DL_DeleteLast();
         return wire;
     }
@@ -108,9 +106,9 @@ void TestPropertyTable::cleanup()
 
 void TestPropertyTable::columnsFollowTheSelectedComponent()
 {
-    QVERIFY(!model()->headerData(0, Qt::Horizontal, Qt::DecorationRole).isValid());
-    const QPixmap icon = model()->headerData(1, Qt::Horizontal, Qt::DecorationRole).value<QPixmap>();
-    QVERIFY2(!icon.isNull(), "the edit icon comes from the program's resources");
+    // The edit icon (from the program's resources) marks the editable columns only.
+    QVERIFY(!doc()->model()->headerData(PropName, Qt::Horizontal, Qt::DecorationRole).isValid());
+    QVERIFY(!doc()->model()->headerData(PropType, Qt::Horizontal, Qt::DecorationRole).value<QPixmap>().isNull());
 
     // The enabler: name, output mode and its line-voltage length. A fixture: its name, not editable.
     QCOMPARE(visibleColumns(), (QList<int>{PropName, PropOutputMode, PropDynaLineLength}));
