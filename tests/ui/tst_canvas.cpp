@@ -64,6 +64,19 @@ struct Canvas {
         frame.paintTree(painter);
         return img;
     }
+    // Supply, branch wire, junction box; below the box two fixtures, a leader with a fixture and
+    // a receiver with a fixture (current). Returns them in that order.
+    QList<CWidget*> branches(DLPowerSupply* supply, DLFixture* fixture)
+    {
+        QList<CWidget*> tree{doc.addSupply(supply)};
+        CWidget* box = doc.addJunctionBox();
+        tree << box->parentWidget() << box << doc.addFixture(fixture) << doc.addFixture(fixture);
+        doc.setCurrent(box);
+        tree << doc.addLeader(fixture) << doc.addFixture(fixture);
+        doc.setCurrent(box);
+        tree << doc.addReceiver() << doc.addFixture(fixture);
+        return tree;
+    }
     // Under a junction box four branches of a leader and three fixtures: wider and taller than
     // a 700 x 160 view. Returns each branch's first fixture (columns 10, 420, 830, 1240).
     QList<CWidget*> fourBranches(DLFixture* fixture)
@@ -97,7 +110,6 @@ private slots:
     void initTestCase();
     void placement();
     void connectorColours();
-    void boxLook();
     void mouseKeysAndDeletion();
     void scrolling();
     void printing();
@@ -129,56 +141,45 @@ void TestCanvas::placement()
                     QVERIFY2(img.pixel(x, y) == Background.rgb(), qPrintable(describe(img, {x, y})));
     }
 
-    Canvas c(&m_db);
-    c.doc.addSupply(m_feeder);
-    CWidget* box = c.doc.addJunctionBox(); // a Dynaline branch wire, then the box
-    CWidget* f1 = c.doc.addFixture(m_fixture);
-    CWidget* f2 = c.doc.addFixture(m_fixture); // chained below the first
-    c.doc.setCurrent(box);
-    CWidget* leader = c.doc.addLeader(m_fixture);
-    CWidget* f3 = c.doc.addFixture(m_fixture);
-    c.doc.setCurrent(box);
-    CWidget* receiver = c.doc.addReceiver();
-    CWidget* onReceiver = c.doc.addFixture(m_fixture);
-
     // A chain stays in one column; a cable sits 240 to the right, centred on the gap it bridges.
-    QCOMPARE(c.frame.itemRectOf(box->parentWidget()), QRect(250, 24, 100, 20));
-    QCOMPARE(c.frame.itemRectOf(box), QRect(10, 38, 100, 20));
-    QCOMPARE(c.frame.itemRectOf(f1), QRect(10, 66, 100, 20));
-    QCOMPARE(c.frame.itemRectOf(f2), QRect(10, 94, 100, 20));
-    // The second branch opens one column right of the first branch's last leaf.
-    QCOMPARE(c.frame.itemRectOf(leader), QRect(660, 52, 100, 20));
-    QCOMPARE(c.frame.itemRectOf(f3), QRect(420, 66, 100, 20));
-    // The receiver's branch is the third column; its fixture is 8 higher than one below a box.
-    QCOMPARE(c.frame.itemRectOf(receiver), QRect(830, 66, 100, 20));
-    QCOMPARE(c.frame.itemRectOf(onReceiver), QRect(830, 86, 100, 20));
+    // The second branch opens one column right of the first branch's last leaf, the receiver's
+    // branch is the third column, and a fixture on a receiver is 8 higher than one below a box.
+    Canvas c(&m_db);
+    const QList<CWidget*> tree = c.branches(m_feeder, m_fixture);
+    const QList<QRect> rects{{250, 24, 100, 20}, {10, 38, 100, 20},  {10, 66, 100, 20},  {10, 94, 100, 20},
+                             {660, 52, 100, 20}, {420, 66, 100, 20}, {830, 66, 100, 20}, {830, 86, 100, 20}};
+    for (int i = 0; i < rects.size(); ++i)
+        QCOMPARE(c.frame.itemRectOf(tree.at(i + 1)), rects.at(i));
 
     // The boxes are drawn where they are placed: a border pixel, and nothing just outside it.
-    const QImage img = c.render();
-    const struct {
-        QPoint border;
-        QColor colour;
-        QPoint outside;
-    } borders[] = {{{10, 104}, QColor(0, 0, 128), {6, 104}}, {{830, 76}, QColor(0, 64, 0), {826, 76}},
-                   {{350, 34}, QColor(143, 69, 0), {354, 34}}};
-    for (const auto& b : borders) {
-        AT_COLOUR(img, b.border, b.colour);
-        AT_COLOUR(img, b.outside, Background);
-    }
+    QImage img = c.render();
+    AT_COLOUR(img, QPoint(10, 104), QColor(0, 0, 128));
+    AT_COLOUR(img, QPoint(6, 104), Background);
+    AT_COLOUR(img, QPoint(350, 34), QColor(143, 69, 0));
+    AT_COLOUR(img, QPoint(354, 34), Background);
+    AT_COLOUR(img, QPoint(830, 76), QColor(0, 64, 0));
+    AT_COLOUR(img, QPoint(826, 76), Background);
+    // The selected box (the fixture on the receiver) is filled, light at the top and in its fill
+    // colour from half its height; the receiver is not filled.
+    AT_COLOUR(img, QPoint(833, 101), QColor(220, 220, 255));
+    QVERIFY2(qRed(img.pixel(833, 89)) > 235, qPrintable(describe(img, {833, 89})));
+    AT_COLOUR(img, QPoint(830, 96), QColor(0, 0, 255));
+    AT_COLOUR(img, QPoint(833, 81), Background);
+    QVERIFY(!hasColour(img, {20, 20}, Red, 3, 12));
+
+    // Error marks: supplies and receivers the analysis marked get a red dot; fixtures never do.
+    c.doc.setErrorMarks({tree.first(), tree.at(7), tree.at(8)});
+    img = c.render();
+    AT_COLOUR(img, QPoint(20, 20), Red);
+    AT_COLOUR(img, QPoint(840, 76), Red);
+    QVERIFY(!hasColour(img, {840, 96}, Red, 3, 12));
 }
 
 void TestCanvas::connectorColours()
 {
-    // Supply, Dynaline wire and junction box; below the box a fixture, a leader and a receiver.
     for (const auto& [supply, wiring] : {std::pair{m_feeder, Orange}, std::pair{m_lineVoltage, LightBlue}}) {
         Canvas c(&m_db);
-        c.doc.addSupply(supply);
-        CWidget* box = c.doc.addJunctionBox();
-        c.doc.addFixture(m_fixture);
-        c.doc.setCurrent(box);
-        c.doc.addLeader(m_fixture);
-        c.doc.setCurrent(box);
-        c.doc.addReceiver();
+        c.branches(supply, m_fixture);
         const QImage img = c.render();
         // Supply to its branch wire, branch wire back to the box; the receiver's wire is Feedwise.
         NEAR_COLOUR(img, QPoint(240, 28), wiring);
@@ -216,31 +217,6 @@ void TestCanvas::connectorColours()
     const QImage all = feedwise.render();
     const QPoint centre = all.rect().center(); // a radius reaching every pixel
     QVERIFY(hasColour(all, centre, Red, all.width()) && !hasColour(all, centre, Orange, all.width()));
-}
-
-void TestCanvas::boxLook()
-{
-    Canvas c(&m_db);
-    CWidget* root = c.doc.addSupply(m_feeder);
-    c.doc.addJunctionBox();
-    CWidget* receiver = c.doc.addReceiver();
-    CWidget* fixture = c.doc.addFixture(m_fixture); // current, at (10, 86)
-
-    // Error marks: supplies and receivers the analysis marked get a red dot; fixtures never do.
-    c.doc.setErrorMarks({root, receiver, fixture});
-    QImage img = c.render();
-    AT_COLOUR(img, QPoint(20, 20), Red);
-    AT_COLOUR(img, QPoint(20, 76), Red);
-    QVERIFY(!hasColour(img, {20, 96}, Red, 3, 12));
-    c.doc.setErrorMarks({});
-    img = c.render();
-    QVERIFY(!hasColour(img, {20, 20}, Red, 3, 12));
-
-    // The selected box is filled, light at the top and in its fill colour from half its height.
-    AT_COLOUR(img, QPoint(13, 101), QColor(220, 220, 255));
-    QVERIFY2(qRed(img.pixel(13, 89)) > 235, qPrintable(describe(img, {13, 89})));
-    AT_COLOUR(img, QPoint(10, 96), QColor(0, 0, 255));
-    AT_COLOUR(img, QPoint(13, 81), Background); // the receiver is not filled
 }
 
 void TestCanvas::mouseKeysAndDeletion()
