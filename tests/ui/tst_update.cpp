@@ -200,19 +200,16 @@ void TestUpdate::checkerOverHttp()
 
 void TestUpdate::downloadAddressMustBeWebUrl()
 {
-    // Empty refusal: the address is opened. A refused address is not opened and the user is told why.
-    const QString notWeb = QStringLiteral("is not an http or https address.");
-    const QString malformed = QStringLiteral("is not a valid web address.");
-    const QList<QPair<QString, QString>> addresses{
-        {"http://downloads.vorlux.example/runplan.exe", {}},    {"HTTPS://downloads.vorlux.example/", {}},
-        {"file:///C:/Windows/System32/calc.exe", notWeb},       {"\\\\server\\share\\setup.exe", notWeb},
-        {"ftp://downloads.vorlux.example/runplan.zip", notWeb}, {"javascript:alert(1)", notWeb},
-        {"downloads.vorlux.example/runplan", notWeb},           {"http:///runplan", malformed},
-        {"https://downloads vorlux.example/", malformed}};
     UpdateChecker checker;
     checker.setShowMessages(true);
     m_prompter.answerYes = true;
-    for (const auto& [address, refusal] : addresses) {
+    // Each line: an address and why it is refused, nothing when it is opened. A refused address
+    // is not opened and the user is told why.
+    const QString lines = QString::fromUtf8(readData("update/download-addresses.tsv"));
+    QCOMPARE(lines.count('\n'), 9);
+    for (const QString& line : lines.split('\n', Qt::SkipEmptyParts)) {
+        const QString address = line.section('\t', 0, 0);
+        const QString refusal = line.section('\t', 1);
         m_prompter.prompts.clear();
         m_opened.clear();
         checker.handleUpdateAvailable(QStringLiteral("4.0.0 build 0 - 0 Gold"), address);
