@@ -29,7 +29,8 @@ bool hasColour(const QImage& img, QPoint p, const QColor& c, int radius = 0, int
 {
     for (int dy = -radius; dy <= radius; ++dy)
         for (int dx = -radius; dx <= radius; ++dx) {
-            const QColor found = img.valid(p + QPoint(dx, dy)) ? img.pixelColor(p + QPoint(dx, dy)) : QColor();
+            const QColor found =
+                img.valid(p + QPoint(dx, dy)) ? img.pixelColor(p + QPoint(dx, dy)) : QColor();
             if (qAbs(found.red() - c.red()) <= tolerance && qAbs(found.green() - c.green()) <= tolerance &&
                 qAbs(found.blue() - c.blue()) <= tolerance)
                 return true;
@@ -43,8 +44,10 @@ QString describe(const QImage& img, QPoint p)
 }
 
 // A pixel of exactly that colour at the point, or of nearly that colour next to it.
-#define AT_COLOUR(img, point, colour) QVERIFY2(hasColour(img, point, colour), qPrintable(describe(img, point)))
-#define NEAR_COLOUR(img, point, colour) QVERIFY2(hasColour(img, point, colour, 1, 12), qPrintable(describe(img, point)))
+#define AT_COLOUR(img, point, colour)                                                                        \
+    QVERIFY2(hasColour(img, point, colour), qPrintable(describe(img, point)))
+#define NEAR_COLOUR(img, point, colour)                                                                      \
+    QVERIFY2(hasColour(img, point, colour, 1, 12), qPrintable(describe(img, point)))
 
 // One configuration shown on a canvas.
 struct Canvas {
@@ -297,8 +300,8 @@ void TestCanvas::scrolling()
     QVERIFY2(hbar->value() > 0, "an insertion scrolls the new component into view");
     // Once the run outgrows the view, the line key sits in the corner left by the two bars.
     QVERIFY(hbar->isVisible() && vbar->isVisible());
-    QCOMPARE(key->geometry().bottomRight(),
-             QPoint(vbar->mapTo(&c.frame, QPoint(0, 0)).x() - 1, hbar->mapTo(&c.frame, QPoint(0, 0)).y() - 1));
+    QCOMPARE(key->geometry().bottomRight(), QPoint(vbar->mapTo(&c.frame, QPoint(0, 0)).x() - 1,
+                                                   hbar->mapTo(&c.frame, QPoint(0, 0)).y() - 1));
 
     // A click selects without moving the view, near the right edge too.
     c.frame.showTopLeft();
@@ -397,7 +400,7 @@ void TestCanvas::voltageOverlayAndTooltip()
         for (int y = box.bottom() + 1; y <= box.bottom() + 8; ++y)
             for (int x = box.right() - 40; x <= box.right(); ++x) {
                 const QColor p = img.pixelColor(x, y);
-                const int hue = (p.hue() + 30) % 360; // red about 30, amber 66, green 150
+                const int hue = (p.hue() + 30) % 360;     // red about 30, amber 66, green 150
                 if (p.hsvSaturation() > 150 && hue < 210) // not the selected box's blue
                     colours.insert(hue > 110 ? "green" : hue > 50 ? "amber" : "red");
             }
@@ -408,7 +411,8 @@ void TestCanvas::voltageOverlayAndTooltip()
     c.frame.setShowVoltages(true);
     auto& atFixture = *const_cast<ComponentFigures*>(figures);
     for (const auto& [minimum, colour] : {std::pair{atFixture.minVoltage, "green"},
-                                          {atFixture.voltage / 1.05, "amber"}, {atFixture.voltage + 1.0, "red"}}) {
+                                          {atFixture.voltage / 1.05, "amber"},
+                                          {atFixture.voltage + 1.0, "red"}}) {
         atFixture.minVoltage = minimum;
         QCOMPARE(textColours(c.render()), QSet<QString>{colour});
     }

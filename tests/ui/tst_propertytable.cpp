@@ -15,8 +15,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
-#include <QtTest>
 #include <QTextEdit>
+#include <QtTest>
 
 class TestPropertyTable : public QObject
 {
@@ -108,7 +108,8 @@ void TestPropertyTable::columnsFollowTheSelectedComponent()
 {
     // The edit icon (from the program's resources) marks the editable columns only.
     QVERIFY(!doc()->model()->headerData(PropName, Qt::Horizontal, Qt::DecorationRole).isValid());
-    QVERIFY(!doc()->model()->headerData(PropType, Qt::Horizontal, Qt::DecorationRole).value<QPixmap>().isNull());
+    QVERIFY(
+        !doc()->model()->headerData(PropType, Qt::Horizontal, Qt::DecorationRole).value<QPixmap>().isNull());
 
     // The enabler: name, output mode and its line-voltage length. A fixture: its name, not editable.
     QCOMPARE(visibleColumns(), (QList<int>{PropName, PropOutputMode, PropDynaLineLength}));

@@ -180,10 +180,13 @@ void TestUpdate::checkerOverHttp()
         bool silent;
         QByteArray body;
         QStringList logged; // patterns
-    } failures[] = {{404, false, newer, {failed}},
-                    {200, true, newer, {"^AUT: Busy Timer fired - emitting unable to retrieve file signal.$", failed}},
-                    {200, false, newer + QByteArray(4 << 20, ' '),
-                     {"^AUT:handleReply - reply refused: larger than 65536 bytes$"}}};
+    } failures[] = {
+        {404, false, newer, {failed}},
+        {200, true, newer, {"^AUT: Busy Timer fired - emitting unable to retrieve file signal.$", failed}},
+        {200,
+         false,
+         newer + QByteArray(4 << 20, ' '),
+         {"^AUT:handleReply - reply refused: larger than 65536 bytes$"}}};
     for (const auto& failure : failures) {
         server.status = failure.status;
         server.silent = failure.silent;
