@@ -96,8 +96,7 @@ private slots:
     }
     void init() { QSettings().clear(); }
 
-    void splashScreen();
-    void aboutBox();
+    void splashAndAboutBox();
     void loadingDialog();
     void okWritesEveryKeyCancelNone();
     void unreadableValuesTakeDefaults();
@@ -107,7 +106,7 @@ private:
     QTemporaryDir m_store;
 };
 
-void TestDialogs::splashScreen()
+void TestDialogs::splashAndAboutBox()
 {
     QCOMPARE(SplashScreen::versionLine(), QStringLiteral("Version: 3.17.0 20250205-2cbee83"));
     const QString holder = SplashScreen::holderLine();
@@ -135,24 +134,20 @@ void TestDialogs::splashScreen()
 
     splash.killSplash();
     QVERIFY(!splash.isVisible());
-}
 
-void TestDialogs::aboutBox()
-{
+    // The about box: the same picture and captions, frameless.
     QWidget owner;
     AboutDialog about(&owner);
-    const QSize pictureSize = QPixmap(QStringLiteral(":/splash.png")).size();
     QVERIFY(about.windowFlags().testFlag(Qt::FramelessWindowHint));
     QCOMPARE(about.versionLabel()->text() + about.holderLabel()->text(),
              SplashScreen::versionLine() + SplashScreen::holderLine());
-
-    // A click anywhere closes it, on the picture or on a caption; it can be shown again.
     about.show();
     QVERIFY(QTest::qWaitForWindowExposed(&about));
-    QCOMPARE(about.size(), pictureSize);
+    QCOMPARE(about.size(), picture.size());
     // The captions sit at the bottom, version above holder, inside the margins.
     QVERIFY(about.versionLabel()->geometry().bottom() < about.holderLabel()->geometry().top());
     QVERIFY(about.rect().contains(about.holderLabel()->geometry()));
+    // A click anywhere closes it, on the picture or on a caption; it can be shown again.
     QTest::mouseClick(&about, Qt::LeftButton, {}, QPoint(10, 10));
     QVERIFY(!about.isVisible());
     about.show();
