@@ -11,38 +11,6 @@ using VxCommonUtils::AutoUpdateTool;
 
 namespace
 {
-// Answers every GET with one canned response, or, while silent, never answers at all.
-struct LoopbackHttpServer {
-    LoopbackHttpServer()
-    {
-        server.listen(QHostAddress::LocalHost, 0);
-        QObject::connect(&server, &QTcpServer::newConnection, &server, [this] {
-            while (QTcpSocket* socket = server.nextPendingConnection())
-                QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { answer(socket); });
-        });
-    }
-    QString hostAndPort() const { return QStringLiteral("127.0.0.1:%1").arg(server.serverPort()); }
-    void answer(QTcpSocket* socket)
-    {
-        const QByteArray request = socket->peek(socket->bytesAvailable());
-        if (!request.contains("\r\n\r\n"))
-            return; // the rest of the request is still on its way
-        requestLines.append(request.left(request.indexOf("\r\n")));
-        socket->readAll();
-        if (silent)
-            return;
-        socket->write("HTTP/1.1 " + QByteArray::number(status) + (status == 200 ? " OK" : " Not Found") +
-                      "\r\nContent-Type: text/xml\r\nContent-Length: " + QByteArray::number(body.size()) +
-                      "\r\nConnection: close\r\n\r\n" + body);
-        socket->disconnectFromHost();
-    }
-    QTcpServer server;
-    QList<QByteArray> requestLines; // first line of every request
-    bool silent = false;
-    int status = 200;
-    QByteArray body;
-};
-
 // Records every prompt as "title: text" and answers questions with a preset answer.
 struct RecordingPrompter : UpdatePrompter {
     void information(const QString& title, const QString& text) override { question(title, text); }
@@ -139,9 +107,33 @@ void TestUpdate::readsVersionFile()
 
 void TestUpdate::checkerOverHttp()
 {
-    LoopbackHttpServer server;
+    // A server on this machine that answers every GET with one canned response, or, while
+    // silent, never answers at all.
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost, 0));
+    QList<QByteArray> requestLines; // first line of every request
+    int status = 200;
+    bool silent = false;
+    QByteArray body;
+    connect(&server, &QTcpServer::newConnection, &server, [&] {
+        while (QTcpSocket* socket = server.nextPendingConnection())
+            connect(socket, &QTcpSocket::readyRead, socket, [&, socket] {
+                const QByteArray request = socket->peek(socket->bytesAvailable());
+                if (!request.contains("\r\n\r\n"))
+                    return; // the rest of the request is still on its way
+                requestLines.append(request.left(request.indexOf("\r\n")));
+                socket->readAll();
+                if (silent)
+                    return;
+                socket->write(
+                    "HTTP/1.1 " + QByteArray::number(status) + (status == 200 ? " OK" : " Not Found") +
+                    "\r\nContent-Type: text/xml\r\nContent-Length: " + QByteArray::number(body.size()) +
+                    "\r\nConnection: close\r\n\r\n" + body);
+                socket->disconnectFromHost();
+            });
+    });
     UpdateChecker checker;
-    checker.setHost(server.hostAndPort());
+    checker.setHost(QStringLiteral("127.0.0.1:%1").arg(server.serverPort()));
     checker.setPath(UpdateIdentity::versionFilePath());
     checker.setAppName(UpdateIdentity::applicationName());
     checker.setOwnVersion(UpdateIdentity::ownVersion());
@@ -149,7 +141,7 @@ void TestUpdate::checkerOverHttp()
     checker.setTimeout(150);
 
     // Newer, and the user says Yes: the download page opens. Two quick presses send one request.
-    server.body = readData("update/check/newer-minor.xml");
+    body = readData("update/check/newer-minor.xml");
     m_prompter.answerYes = true;
     QTest::ignoreMessage(QtDebugMsg, "AUT: getVersionInfo - already busy, returning");
     checker.start();
@@ -160,10 +152,10 @@ void TestUpdate::checkerOverHttp()
                             "application is available.\n\nWould you like to go to the download page?"));
     QCOMPARE(m_opened, QList<QUrl>{QUrl("https://downloads.vorlux.example/runplan/3.4")});
     QTest::qWait(50);
-    QCOMPARE(server.requestLines, QList<QByteArray>{"GET /software/VxAppVersions.xml HTTP/1.1"});
+    QCOMPARE(requestLines, QList<QByteArray>{"GET /software/VxAppVersions.xml HTTP/1.1"});
 
     // Same version.
-    server.body = readData("update/check/same-version.xml");
+    body = readData("update/check/same-version.xml");
     checker.start();
     QTRY_COMPARE_WITH_TIMEOUT(m_prompter.prompts.size(), 2, 5000);
     QCOMPARE(
@@ -188,15 +180,15 @@ void TestUpdate::checkerOverHttp()
          newer + QByteArray(4 << 20, ' '),
          {"^AUT:handleReply - reply refused: larger than 65536 bytes$"}}};
     for (const auto& failure : failures) {
-        server.status = failure.status;
-        server.silent = failure.silent;
-        server.body = failure.body;
+        status = failure.status;
+        silent = failure.silent;
+        body = failure.body;
         for (const QString& pattern : failure.logged)
             QTest::ignoreMessage(QtDebugMsg, QRegularExpression(pattern));
         checker.start();
         QTRY_VERIFY_WITH_TIMEOUT(!checker.tool()->isBusy(), 5000);
     }
-    QCOMPARE(server.requestLines.size(), 5);
+    QCOMPARE(requestLines.size(), 5);
     QCOMPARE(downloads.count(), 0);
     QCOMPARE(m_prompter.prompts.size(), 2);
 }
