@@ -29,8 +29,7 @@ private slots:
 
     void columnsFollowTheSelectedComponent();
     void onlyTheSelectedRowShows();
-    void typedLengthsAreClamped();
-    void editorsThatChangeNothing();
+    void editorsChangeOnlyWhatTheyMust();
     void rejectedBoxesLoggedOnce();
 
 private:
@@ -163,30 +162,7 @@ void TestPropertyTable::onlyTheSelectedRowShows()
     }
 }
 
-void TestPropertyTable::typedLengthsAreClamped()
-{
-    // Feedwise branch wire away from "Above Ground": 1 to 294 ft.
-    doc()->root()->applyEditorValue(PropOutputMode, QStringLiteral("Feedwise"));
-    auto* branch = static_cast<BranchWireWidget*>(addBranchWire());
-    branch->applyEditorValue(PropLocation, QStringLiteral("Plenum"));
-
-    QList<double> stored;
-    for (const char* typed : {"300", "5000", "0", "120"}) {
-        auto* spin = qobject_cast<QSpinBox*>(openEditor(PropLength));
-        QVERIFY(spin);
-        QCOMPARE(spin->suffix(), QStringLiteral(" ft"));
-        spin->setFocus();
-        spin->selectAll();
-        QTest::keyClicks(spin, QString::fromLatin1(typed));
-        QTest::keyClick(spin, Qt::Key_Return);
-        settle();
-        QVERIFY(editorWidget() == nullptr);
-        stored << branch->length();
-    }
-    QCOMPARE(stored, (QList<double>{294, 294, 1, 120}));
-}
-
-void TestPropertyTable::editorsThatChangeNothing()
+void TestPropertyTable::editorsChangeOnlyWhatTheyMust()
 {
     // A mode the list does not offer (a file's enabler offers no "Feedwise") survives an editor
     // opened and left.
@@ -243,6 +219,24 @@ void TestPropertyTable::editorsThatChangeNothing()
     QVERIFY(logLength() > logBefore);
     QVERIFY(doc()->isModified());
     QCOMPARE(doc()->lastLocation(), locations.at(1));
+
+    // Typed lengths are clamped: a Feedwise branch wire away from "Above Ground" takes 1 to 294 ft.
+    QCOMPARE(branch->locationText(), QStringLiteral("Feedwise"));
+    branch->applyEditorValue(PropLocation, QStringLiteral("Plenum"));
+    QList<double> stored;
+    for (const char* typed : {"300", "5000", "0", "120"}) {
+        auto* spin = qobject_cast<QSpinBox*>(openEditor(PropLength));
+        QVERIFY(spin);
+        QCOMPARE(spin->suffix(), QStringLiteral(" ft"));
+        spin->setFocus();
+        spin->selectAll();
+        QTest::keyClicks(spin, QString::fromLatin1(typed));
+        QTest::keyClick(spin, Qt::Key_Return);
+        settle();
+        QVERIFY(editorWidget() == nullptr);
+        stored << branch->length();
+    }
+    QCOMPARE(stored, (QList<double>{294, 294, 1, 120}));
 }
 
 namespace
