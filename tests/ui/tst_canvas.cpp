@@ -305,9 +305,6 @@ void TestCanvas::scrolling()
 
     // A click selects without moving the view, near the right edge too.
     c.frame.showTopLeft();
-    QCOMPARE(hbar->value(), 0);
-    const QRect nearEdge = c.frame.itemRectOf(columns[1]);
-    QVERIFY(nearEdge.x() + 400 > c.frame.viewport()->width());
     for (CWidget* clicked : {columns[0], columns[1]}) {
         QTest::mouseClick(c.frame.viewport(), Qt::LeftButton, {}, c.frame.itemRectOf(clicked).center());
         QCOMPARE(c.doc.current(), clicked);
