@@ -1,7 +1,6 @@
 // The property table under the canvas: one row for the selected component, the columns of its
 // properties, and editors built from the component's own rules.
 
-#include "TestSupport.h"
 #include "app/Runplan.h"
 #include "catalog/Database.h"
 #include "model/CWidget.h"
@@ -11,7 +10,6 @@
 #include "model/view/ComboBoxPropertyEditor.h"
 
 #include <QFontMetrics>
-#include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>

@@ -1,7 +1,6 @@
 // The German translation: complete, faithful to every placeholder, current with the sources, and
 // loaded from the system locale (CTest runs this with LANG=de_DE.UTF-8).
 
-#include "TestSupport.h"
 #include "app/Runplan.h"
 #include "app/Translations.h"
 
