@@ -22,6 +22,23 @@ inline QByteArray testDataBytes(const QString& relative)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+// The lines of a file under tests/data, without blank lines and "#" comments.
+inline QStringList dataLines(const QString& relative)
+{
+    QStringList lines = QString::fromUtf8(testDataBytes(relative)).split('\n', Qt::SkipEmptyParts);
+    lines.removeIf([](const QString& line) { return line.startsWith('#'); });
+    return lines;
+}
+
+// The fields of a "|"-separated data line, trimmed.
+inline QStringList dataFields(const QString& line)
+{
+    QStringList fields = line.split(QLatin1Char('|'));
+    for (QString& field : fields)
+        field = field.trimmed();
+    return fields;
+}
+
 // The golden file's bytes; with RUNPLAN_UPDATE_GOLDEN=1 in the environment the file is first
 // rewritten with what the test produced (to review with git diff).
 inline QByteArray goldenBytes(const QByteArray& produced, const QString& relative)
