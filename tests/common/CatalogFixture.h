@@ -9,6 +9,7 @@
 #include "calc/Session.h"
 #include "catalog/Database.h"
 #include "catalog/Reporter.h"
+#include "model/CWidget.h"
 #include "model/ConfigDocument.h"
 
 #include <QFile>
@@ -92,6 +93,14 @@ struct CatalogSession : LoadedCatalog {
         }
     }
     ConfigDocument& doc() { return session->document(); }
+    SupplyWidget* root() { return static_cast<SupplyWidget*>(doc().root()); }
+    // A fresh canvas whose enabler feeds Feedwise, with a receiver below it (branch wire, then receiver).
+    CWidget* feedwiseReceiver()
+    {
+        session->reset();
+        root()->setOutputMode(Modes::feedwise());
+        return doc().addReceiver();
+    }
 
     RecordingReporter log; // what the session reported after loading
     std::unique_ptr<Session> session;

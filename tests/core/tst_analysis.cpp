@@ -5,7 +5,6 @@
 #include "CatalogFixture.h"
 
 #include "calc/Analysis.h"
-#include "model/CWidget.h"
 
 namespace
 {
@@ -14,7 +13,6 @@ struct Harness : CatalogSession {
     Harness() : CatalogSession(QStringLiteral("calc/analysis.xml")) {}
     HeaderValues& header() { return session->header(); }
     DLPowerSupply* enabler() { return db.supplyNamed(QStringLiteral("Signal Feeder Pro")); }
-    SupplyWidget* root() { return static_cast<SupplyWidget*>(doc().root()); }
 
     // A fresh canvas with n fixtures of one type chained below the enabler, analysed at volts.
     const AnalysisResult& chain(const QString& fixture, int n, int volts = 120)
@@ -34,13 +32,6 @@ struct Harness : CatalogSession {
     {
         session->analyze();
         return session->result();
-    }
-    // The root switched to Feedwise, with a receiver below it (branch wire, then receiver).
-    CWidget* feedwiseReceiver()
-    {
-        session->reset();
-        root()->setOutputMode(Modes::feedwise());
-        return doc().addReceiver();
     }
 };
 
