@@ -5,7 +5,6 @@
 #include "CatalogFixture.h"
 
 #include "calc/Analysis.h"
-#include "model/CWidget.h"
 
 namespace
 {
@@ -14,7 +13,6 @@ struct Harness : CatalogSession {
     Harness() : CatalogSession(QStringLiteral("calc/analysis.xml")) {}
     HeaderValues& header() { return session->header(); }
     DLPowerSupply* enabler() { return db.supplyNamed(QStringLiteral("Signal Feeder Pro")); }
-    SupplyWidget* root() { return static_cast<SupplyWidget*>(doc().root()); }
 
     // A fresh canvas with n fixtures of one type chained below the enabler, analysed at volts.
     const AnalysisResult& chain(const QString& fixture, int n, int volts = 120)
@@ -34,13 +32,6 @@ struct Harness : CatalogSession {
     {
         session->analyze();
         return session->result();
-    }
-    // The root switched to Feedwise, with a receiver below it (branch wire, then receiver).
-    CWidget* feedwiseReceiver()
-    {
-        session->reset();
-        root()->setOutputMode(Modes::feedwise());
-        return doc().addReceiver();
     }
 };
 
@@ -70,24 +61,19 @@ private slots:
 
 void TestAnalysis::checksFireAlone_data()
 {
-    QTest::addColumn<QString>("fixture");
-    QTest::addColumn<int>("volts");
-    QTest::addColumn<int>("passing"); // the largest chain that passes
-    QTest::addColumn<QString>("runMessage");
-    QTest::addColumn<QString>("circuitMessage");
-    const auto message = [](const QString& text) { return text.isEmpty() ? text : QLatin1Char('\n') + text; };
-    for (const QStringList& row : dataRows(QStringLiteral("calc/checks.tsv")))
-        QTest::newRow(qPrintable(row.at(0))) << row.at(1) << row.at(2).toInt() << row.at(3).toInt()
-                                             << message(row.at(4)) << message(row.at(5));
+    QTest::addColumn<QStringList>("row"); // fixture, volts, passing, run message, circuit message
+    for (const QString& line : dataLines(QStringLiteral("calc/checks.txt")))
+        QTest::newRow(qPrintable(line.section('|', 0, 1))) << dataFields(line);
 }
 
 void TestAnalysis::checksFireAlone()
 {
-    QFETCH(QString, fixture);
-    QFETCH(int, volts);
-    QFETCH(int, passing);
-    QFETCH(QString, runMessage);
-    QFETCH(QString, circuitMessage);
+    QFETCH(QStringList, row);
+    const QString fixture = row.value(0);
+    const int volts = row.value(1).toInt();
+    const int passing = row.value(2).toInt();
+    const QString runMessage = row.value(3).isEmpty() ? QString() : '\n' + row.value(3);
+    const QString circuitMessage = row.value(4).isEmpty() ? QString() : '\n' + row.value(4);
 
     Harness h;
     QVERIFY(h.ready());
@@ -117,7 +103,8 @@ void TestAnalysis::summaryAndTotals()
     Harness h;
     QVERIFY(h.ready());
     h.header().customVoltage = 0;
-    for (const QStringList& row : dataRows(QStringLiteral("calc/summaries.tsv"))) {
+    for (const QString& line : dataLines(QStringLiteral("calc/summaries.txt"))) {
+        const QStringList row = dataFields(line);
         h.chain(QStringLiteral("Plain"), row.at(0).toInt());
         h.header().lineVoltage = row.at(1);
         h.header().frequency = row.at(2);
@@ -195,34 +182,23 @@ void TestAnalysis::outputModesCompound()
 
 void TestAnalysis::gen4BreakerTables_data()
 {
-    QTest::addColumn<QString>("enabler");
-    QTest::addColumn<QString>("load");
-    QTest::addColumn<int>("volts");
-    QTest::addColumn<int>("fixtures");
-    QTest::addColumn<int>("maximum");
-    for (const QStringList& row : dataRows(QStringLiteral("calc/gen4.tsv")))
-        QTest::newRow(qPrintable(row.at(0))) << row.at(1) << row.at(2) << row.at(3).toInt() << row.at(4).toInt()
-                                             << row.at(5).toInt();
+    QTest::addColumn<QStringList>("row"); // enabler, load, volts, fixtures, maximum
+    for (const QString& line : dataLines(QStringLiteral("calc/gen4-breakers.txt")))
+        QTest::newRow(qPrintable(line)) << dataFields(line);
 }
 
 void TestAnalysis::gen4BreakerTables()
 {
-    QFETCH(QString, enabler);
-    QFETCH(QString, load);
-    QFETCH(int, volts);
-    QFETCH(int, fixtures);
-    QFETCH(int, maximum);
+    QFETCH(QStringList, row);
+    const int fixtures = row.value(3).toInt();
+    const int maximum = row.value(4).toInt();
 
     Harness h;
     QVERIFY(h.ready());
-    h.header().supply = enabler;
-    if (load.startsWith(QLatin1String("Other"))) {
-        h.header().maxCircuitLoad = QStringLiteral("Other");
-        h.header().customLoad = load.mid(5).toInt();
-    } else {
-        h.header().maxCircuitLoad = load;
-    }
-    const AnalysisResult& r = h.chain(QStringLiteral("Tintflare Dynaline gen4"), fixtures, volts);
+    h.header().supply = row.value(0);
+    h.header().maxCircuitLoad = row.value(1).section(' ', 0, 0);
+    h.header().customLoad = row.value(1).section(' ', 1).toInt();
+    const AnalysisResult& r = h.chain(QStringLiteral("Tintflare Dynaline gen4"), fixtures, row.value(2).toInt());
     QCOMPARE(r.runs.first().maxFixtures, maximum);
     const bool over = maximum >= 1 && fixtures > maximum;
     QCOMPARE(r.pass, !over);

@@ -2,66 +2,26 @@
 // made by hand (the saved bytes, the totals and the selection), and the recovery of a run that did
 // not exit cleanly.
 
-#include "TestSupport.h"
+#include "WindowFixture.h"
 #include "app/Autosave.h"
-#include "app/Prompter.h"
-#include "app/Runplan.h"
 #include "app/commands/EditHistory.h"
-#include "catalog/Database.h"
-#include "model/CWidget.h"
-#include "model/CWidgetModel.h"
-#include "model/ConfigDocument.h"
 #include "model/DocumentSnapshot.h"
 #include "model/ProjectFile.h"
 #include "model/view/CWidgetTableView.h"
 
-#include <QAction>
-#include <QComboBox>
-#include <QDialog>
-#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
-#include <QSettings>
 #include <QSpinBox>
-#include <QTemporaryDir>
-#include <QTest>
 #include <QUndoStack>
 
-// Says yes to every question; recovery answers come from a queue.
-class YesPrompter : public Prompter
-{
-public:
-    QList<bool> recoverAnswers;
-    QStringList recoverNames;
-    QString saveAnswer;
-
-    QString getOpenFileName(QWidget*, const QString&, const QString&, const QString&) override { return {}; }
-    QString getSaveFileName(QWidget*, const QString&, const QString&, const QString&) override
-    {
-        return saveAnswer;
-    }
-    bool askClearConfiguration(QWidget*) override { return true; }
-    SaveChoice askSaveChanges(QWidget*, const QString&) override { return SaveChoice::Discard; }
-    bool askReplace(QWidget*, const QString&) override { return true; }
-    bool confirmDelete(QWidget*) override { return true; }
-    bool askReplaceNotReadWhole(QWidget*, const QString&) override { return true; }
-    int execDialog(QDialog*) override { return QDialog::Rejected; }
-    bool askRecover(QWidget*, const QString& name) override
-    {
-        recoverNames << name;
-        return !recoverAnswers.isEmpty() && recoverAnswers.takeFirst();
-    }
-};
-
-class TestUndo : public QObject
+class TestUndo : public QObject, WindowFixture
 {
     Q_OBJECT
 
 private slots:
     void initTestCase();
-    void init();
-    void cleanup();
+    void init() { openWindow(true); }
+    void cleanup() { closeWindow(); }
 
     void everyKindUndoAndRedo_data();
     void everyKindUndoAndRedo();
@@ -69,47 +29,18 @@ private slots:
     void crashedRunIsRecovered();
 
 private:
-    template <typename T> T* find(const QString& name) const
-    {
-        T* w = m_window->findChild<T*>(name);
-        if (!w)
-            qFatal("no widget or action named %s", qPrintable(name));
-        return w;
-    }
-    ConfigDocument* doc() const { return m_window->document(); }
     QUndoStack* stack() const { return m_window->history()->stack(); }
     // What a user sees of one state: the totals, the selection and the project as saved.
     QString seen() const;
-    // Runs comma-separated steps as a user would.
-    void run(const QString& steps);
 
     QTemporaryDir m_data; // the per-user application-data folder of this test
-    Runplan* m_window = nullptr;
-    YesPrompter* m_prompter = nullptr;
 };
 
 void TestUndo::initTestCase()
 {
     QVERIFY(m_data.isValid());
     qputenv("XDG_DATA_HOME", m_data.path().toUtf8());
-    QCoreApplication::setOrganizationName(QStringLiteral("Vorlux"));
-    QCoreApplication::setApplicationName(QStringLiteral("Runplan"));
     QVERIFY2(Database::instance()->isValid(), "the catalog beside the test must load");
-}
-
-void TestUndo::init()
-{
-    QSettings().clear();
-    m_window = new Runplan;
-    m_prompter = new YesPrompter;
-    m_window->setPrompter(m_prompter);
-}
-
-void TestUndo::cleanup()
-{
-    doc()->setModified(false);
-    delete m_window;
-    delete m_prompter;
 }
 
 QString TestUndo::seen() const
@@ -126,53 +57,13 @@ QString TestUndo::seen() const
     return parts.join(' ') + '\n' + QString::fromUtf8(ProjectFile::toBytes(*doc(), *m_window));
 }
 
-void TestUndo::run(const QString& steps)
-{
-    static const QHash<QString, QString> buttons{
-        {"fixture", "m_DL_AddFixture_Button"}, {"jumper", "m_DL_AddJumper_Button"},
-        {"leader", "m_DL_AddLeader_Button"},   {"box", "m_DL_AddJunctionBox_Button"},
-        {"enabler", "m_DL_AddSupply_Button"},  {"maximize", "m_DL_Maximize_Button"}};
-    static const QHash<QString, int> properties{
-        {"mode", PropOutputMode}, {"type", PropType}, {"location", PropLocation}};
-    for (QString step : steps.split(',')) {
-        if ((step = step.trimmed()).isEmpty())
-            continue;
-        const QString name = step.section('=', 0, 0);
-        const QString value = step.section('=', 1);
-        if (buttons.contains(name))
-            QTest::mouseClick(find<QPushButton>(buttons.value(name)), Qt::LeftButton);
-        else if (properties.contains(name))
-            doc()->model()->setData(doc()->model()->indexOf(doc()->current(), properties.value(name)), value);
-        else if (name.endsWith("Combo") || name.endsWith("ComboBox")) {
-            QComboBox* c = find<QComboBox>(name);
-            c->setCurrentIndex(c->findText(value));
-        } else if (name == "reset") // no button of its own
-            m_window->on_m_DL_Reset_Button_clicked();
-        else if (name == "receiver") // its button is hidden
-            m_window->on_m_DL_AddReceiver_Button_clicked();
-        else if (name == "root")
-            doc()->setCurrent(doc()->root());
-        else if (name == "parent")
-            doc()->setCurrent(doc()->current()->parentWidget());
-        else if (name == "delete")
-            QTest::keyClick(m_window, Qt::Key_Delete);
-        else if (name == "new")
-            find<QAction>("actionNew")->trigger();
-        else
-            QFAIL(qPrintable("unknown step " + step));
-    }
-}
-
 void TestUndo::everyKindUndoAndRedo_data()
 {
     QTest::addColumn<QString>("prefix");
     QTest::addColumn<QString>("command");
-    QFile table(testDataPath(QStringLiteral("app/undo-steps.txt")));
-    QVERIFY(table.open(QIODevice::ReadOnly | QIODevice::Text));
-    for (const QString& line : QString::fromUtf8(table.readAll()).split('\n', Qt::SkipEmptyParts)) {
+    for (const QString& line : dataLines("app/undo-steps.txt")) {
         const QStringList cells = line.split('|');
-        if (!line.startsWith('#') && cells.size() == 3)
-            QTest::newRow(qPrintable(cells[0].trimmed())) << cells[1] << cells[2];
+        QTest::newRow(qPrintable(cells.value(0).trimmed())) << cells.value(1) << cells.value(2);
     }
 }
 
@@ -206,9 +97,8 @@ void TestUndo::everyKindUndoAndRedo()
 
 void TestUndo::modifiedFlagAndMergedSteps()
 {
-    QTemporaryDir dir;
     run("fixture, jumper");
-    QVERIFY(m_window->saveProject(dir.filePath("saved.rpproj")));
+    QVERIFY(m_window->saveProject(m_dir->filePath("saved.rpproj")));
     QVERIFY(!doc()->isModified());
 
     // Undo back to the saved state clears the flag; redo away from it sets it.
@@ -220,33 +110,42 @@ void TestUndo::modifiedFlagAndMergedSteps()
     QVERIFY(doc()->isModified());
     stack()->undo();
 
-    // Repeated changes of one spin box are one step, undone at once; a spin box turned back to
-    // where it started leaves no step; the other spin box makes a step of its own.
-    run("m_DL_LineVoltage_Combo=Other");
-    QComboBox* load = find<QComboBox>("m_DL_MaxLoad_Combo");
-    load->setCurrentIndex(load->count() - 1);
+    // "Other" shows a spin box whose value is used, also after a change of fixture; a listed
+    // value hides it again. Repeated changes of one spin box are one step, undone at once; a spin
+    // box turned back to where it started leaves no step; the other spin box makes its own.
+    QSpinBox* volts = find<QSpinBox>("m_DL_LineVoltage_Spin");
+    QSpinBox* amps = find<QSpinBox>("m_DL_MaxLoad_Spin");
+    QVERIFY(volts->isHidden() && amps->isHidden());
+    run("m_DL_LineVoltage_Combo=Other, m_DL_MaxLoad_Combo=Other, m_DLFixture_Combo=Linea Cove Dynaline 2ft");
+    QVERIFY(!volts->isHidden() && !amps->isHidden());
     const int steps = stack()->count();
     const QString other = seen();
-    QSpinBox* volts = find<QSpinBox>("m_DL_LineVoltage_Spin");
     const int start = volts->value();
     volts->setValue(200);
     volts->setValue(start);
     QCOMPARE(stack()->count(), steps);
-    for (int value : {200, 210, 220})
+    for (int value : {200, 210, 230})
         volts->setValue(value);
     QCOMPARE(stack()->count(), steps + 1);
-    QSpinBox* amps = find<QSpinBox>("m_DL_MaxLoad_Spin");
-    amps->setValue(amps->value() + 1);
+    amps->setValue(25);
     QCOMPARE(stack()->count(), steps + 2);
+    QCOMPARE(m_window->circuitInputs().lineVoltage, 230.0);
+    QCOMPARE(m_window->circuitInputs().maxCircuitLoad, 25.0);
+    QCOMPARE(find<QLabel>("m_DL_DerateLoad_Label")->text(), QStringLiteral("(derated to 20 amps)"));
     stack()->undo();
     stack()->undo();
     QCOMPARE(seen(), other);
+    run("m_DL_LineVoltage_Combo=100, m_DL_MaxLoad_Combo=20");
+    QVERIFY(volts->isHidden() && amps->isHidden());
+    QCOMPARE(m_window->circuitInputs().lineVoltage, 100.0);
+    QCOMPARE(m_window->circuitInputs().maxCircuitLoad, 20.0);
+    QCOMPARE(find<QLabel>("m_DL_DerateLoad_Label")->text(), QStringLiteral("(derated to 16 amps)"));
 
     // The exports drive the configuration without adding to the history.
-    m_prompter->saveAnswer = dir.filePath("max.csv");
+    m_prompter->answers << m_dir->filePath("max.csv");
     const int before = stack()->count();
-    find<QAction>("actionMaximizeFixture")->trigger();
-    QVERIFY(QFile::exists(dir.filePath("max.csv")));
+    trigger("actionMaximizeFixture");
+    QVERIFY(QFile::exists(m_dir->filePath("max.csv")));
     QCOMPARE(stack()->count(), before);
 
     // New leaves nothing to save, also when reached again by redo.
@@ -271,7 +170,7 @@ void TestUndo::crashedRunIsRecovered()
         Runplan other;
         other.setPrompter(m_prompter);
         QVERIFY(!other.offerRecovery());
-        QVERIFY(m_prompter->recoverNames.isEmpty());
+        QVERIFY(!m_prompter->asked.contains("recover"));
     }
 
     // What a crash leaves: the files without a living owner. A clean exit removes its own.
@@ -285,9 +184,10 @@ void TestUndo::crashedRunIsRecovered()
 
     // Discard keeps the fresh configuration and the file is gone; Recover restores the tree.
     QVERIFY(QFile::copy(left + ".rpproj", left + "-2.rpproj"));
-    m_prompter->recoverAnswers << false << true;
+    m_prompter->answers << false << true;
     QVERIFY(m_window->offerRecovery());
-    QCOMPARE(m_prompter->recoverNames, (QStringList{"Untitled.rpproj", "Untitled.rpproj"}));
+    QCOMPARE(m_prompter->asked, (QStringList{"recover", "recover"}));
+    QCOMPARE(m_prompter->lastArgs, QStringList{"Untitled.rpproj"});
     QCOMPARE(seen().section('|', 0, 0) + seen().section('\n', 1), crashed);
     QVERIFY(doc()->isModified());
     QVERIFY(!QFile::exists(left + ".rpproj") && !QFile::exists(left + "-2.rpproj"));
