@@ -51,9 +51,7 @@ private slots:
     void gen4BreakerTables();
     void receiverAndFamilyChecks();
     void runLengthLimits();
-    void cablesAndSharedComponents();
     void feedwiseWiringAndModes();
-    void inputsFromHeaderChoices();
     void deepRunWithoutRecursion();
     void componentFiguresByHand();
     void componentFiguresLeaveOutputsUnchanged();
@@ -270,7 +268,6 @@ void TestAnalysis::receiverAndFamilyChecks()
     // The enabler's figure also counts the 10 ft branch wire above the receiver.
     QCOMPARE(r.dynaLineLengths.value(receiver), 104.0);
     QCOMPARE(r.dynaLineLengths.value(h.root()), 114.0);
-    QCOMPARE(receiver->dynaLineLength(), 104.0);
 }
 
 void TestAnalysis::runLengthLimits()
@@ -324,52 +321,6 @@ void TestAnalysis::runLengthLimits()
     QCOMPARE(rr.flagged, (QSet<const CWidget*>{receiver}));
 }
 
-void TestAnalysis::cablesAndSharedComponents()
-{
-    Harness h;
-    QVERIFY(h.ready());
-    DLFixture* plain = h.db.fixtureNamed(QStringLiteral("Plain"));
-
-    // Enabler -> leader -> fixture. The default leader is the fixed 5 ft one (0.01 ohm/ft).
-    h.chain(plain->name, 0);
-    auto* leader = static_cast<LeaderWidget*>(h.doc().addLeader(plain));
-    h.doc().addFixture(plain);
-    QCOMPARE(leader->type(), QStringLiteral("Leader 5ft"));
-    const AnalysisResult& fixed = h.analyze();
-    QCOMPARE(fixed.totalLength, 9.0);
-    QCOMPARE(fixed.totalResistance, 0.5 + 0.05);
-    QCOMPARE(fixed.totalVoltageDrop, 0.0625 + 12.0 / 120 * 0.05);
-    // Cut to length, it takes the resistance of the chosen wire: 16 AWG 0.004, 14 AWG 0.003 ohm/ft.
-    leader->setType(QStringLiteral("Custom Leader"));
-    leader->setLength(20);
-    leader->setGauge(QStringLiteral("16"));
-    QCOMPARE(h.analyze().totalResistance, 0.5 + 0.08);
-    leader->setGauge(QStringLiteral("14"));
-    QCOMPARE(h.analyze().totalResistance, 0.5 + 0.06);
-    leader->setGauge(QStringLiteral("none")); // unknown: the cable's default wire, 16 AWG
-    QCOMPARE(h.analyze().totalResistance, 0.5 + 0.08);
-    QCOMPARE(h.session->result().totalLength, 24.0);
-
-    // Two runs share the 10 ft branch wire (12 AWG, 0.02 ohm) and the junction box:
-    // enabler -> branch -> box -> {fixture -> fixture, fixture}.
-    h.session->reset();
-    const CWidget* box = h.doc().addJunctionBox();
-    h.doc().addFixture(plain);
-    h.doc().addFixture(plain);
-    h.doc().setCurrent(box);
-    h.doc().addFixture(plain);
-    const AnalysisResult& r = h.analyze();
-    QCOMPARE(r.runs.size(), 2);
-    QCOMPARE(r.runs.at(0).length + r.runs.at(1).length, 14.0 + 18.0);
-    QCOMPARE(r.totalLength, 22.0);
-    QCOMPARE(r.totalPower, 36.0);
-    QCOMPARE(r.totalCurrent, 0.375);
-    // The larger run: 0.0625 + 0.125 in the fixtures, 24 W / 120 V x 0.02 ohm in the branch wire.
-    QCOMPARE(r.totalVoltageDrop, 0.1875 + 0.004);
-    QCOMPARE(r.totalResistance, 1.02);
-    QCOMPARE(r.dynaLineLengths.value(h.root()), 22.0);
-}
-
 void TestAnalysis::feedwiseWiringAndModes()
 {
     Harness h;
@@ -421,31 +372,6 @@ void TestAnalysis::feedwiseWiringAndModes()
     QCOMPARE(r.feedwiseLoad, 0.3 + 0.15);
 }
 
-void TestAnalysis::inputsFromHeaderChoices()
-{
-    Harness h;
-    QVERIFY(h.ready());
-    HeaderValues header;
-    header.supply = QStringLiteral("Line Voltage");
-    header.fixture = QStringLiteral("No Such Fixture");
-    header.lineVoltage = QStringLiteral("Other");
-    header.customVoltage = 230;
-    header.maxCircuitLoad = QStringLiteral("Other");
-    header.customLoad = 25;
-    header.frequency = QStringLiteral("50 Hz");
-    header.controller = QStringLiteral("Small");
-    const CircuitInputs in = inputsFromHeader(header, h.db);
-    QCOMPARE(in.lineVoltage, 230.0);
-    QCOMPARE(in.maxCircuitLoad, 25.0);
-    QCOMPARE(in.deratedLoad(), 20.0);
-    QCOMPARE(in.frequency, 50);
-    QCOMPARE(in.controller, QStringLiteral("Small"));
-    QCOMPARE(in.enabler, h.db.supplyNamed(QStringLiteral("Line Voltage")));
-    QCOMPARE(in.selectedFixture, h.db.fixtureNamed(QStringLiteral("Plain"))); // the first listed
-    header.supply = QStringLiteral("Unknown");
-    QVERIFY(!inputsFromHeader(header, h.db).enabler);
-}
-
 void TestAnalysis::deepRunWithoutRecursion()
 {
     Harness h;
@@ -492,7 +418,7 @@ void TestAnalysis::componentFiguresByHand()
 
     // Chain: enabler -> leader (0.05 ohm) -> F1 -> jumper (0.01 ohm) -> F2.
     h.chain(plain->name, 0);
-    const CWidget* leader = h.doc().addLeader(plain);
+    auto* leader = static_cast<CableWidget*>(h.doc().addLeader(plain));
     const CWidget* f1 = h.doc().addFixture(plain);
     const CWidget* jumper = h.doc().addJumper(plain);
     const CWidget* f2 = h.doc().addFixture(plain);
@@ -506,6 +432,16 @@ void TestAnalysis::componentFiguresByHand()
            {f2, afterJumper - 12.0 / 96 * 0.5, 0.125, 12, 1}});
     // At the run's end the voltage is the line voltage less the run's drop.
     QCOMPARE(h.session->result().figuresAt(f2)->drop, h.session->result().runs.at(0).voltageDrop);
+    QCOMPARE(h.session->result().totalLength, 5.0 + 4 + 1 + 4);
+    // Cut to length, the leader takes its wire's resistance: 16 AWG 0.004, 14 AWG 0.003 ohm/ft; an
+    // unknown gauge is the cable's default, 16 AWG.
+    leader->setType(QStringLiteral("Custom Leader"));
+    leader->setLength(20);
+    for (const auto& [gauge, ohms] : {std::pair{"16", 0.08}, std::pair{"14", 0.06}, std::pair{"none", 0.08}}) {
+        leader->setGauge(QString::fromLatin1(gauge));
+        QCOMPARE(h.analyze().totalResistance, ohms + 0.5 + 0.01 + 0.5);
+    }
+    QCOMPARE(h.session->result().totalLength, 20.0 + 4 + 1 + 4);
 
     // Branched: enabler -> branch wire (0.02 ohm) -> box -> {F1 -> F2, F3}. The shared wire and box
     // take the figures of the worse run, the one through F1 and F2.
@@ -523,11 +459,18 @@ void TestAnalysis::componentFiguresByHand()
            {f1, atBox - 24.0 / 96 * 0.5, 0.25, 24, 1},
            {f2, atBox - 24.0 / 96 * 0.5 - 12.0 / 96 * 0.5, 0.125, 12, 1},
            {f3, 120.0 - 12.0 / 120 * 0.02 - 12.0 / 96 * 0.5, 0.125, 12, 1}});
-    const ComponentFigures* shared = h.session->result().figuresAt(box);
-    QCOMPARE(shared->runEnd, f2);
+    const AnalysisResult& r = h.session->result();
+    QCOMPARE(r.figuresAt(box)->runEnd, f2);
+    // Totals: the shared wire once, every fixture's power, the larger run's drop.
+    QCOMPARE(r.totalLength, 10.0 + 3 * 4);
+    QCOMPARE(r.dynaLineLengths.value(h.root()), 22.0);
+    QCOMPARE(r.totalPower, 36.0);
+    QCOMPARE(r.totalCurrent, 0.375);
+    QCOMPARE(r.totalVoltageDrop, 0.0625 + 0.125 + 0.004);
+    QCOMPARE(r.totalResistance, 1.02);
     // Nearest limits at the wire, which carries the whole run: the enabler's 500 ft per run (18 ft),
     // then the count of 100 (2 fixtures); the 50 V drop limit is further away.
-    const ComponentFigures* end = h.session->result().figuresAt(wire);
+    const ComponentFigures* end = r.figuresAt(wire);
     QCOMPARE(end->nearestCount, 2);
     QCOMPARE(end->nearest[0].kind, LimitRunLength);
     QCOMPARE(end->nearest[0].use, 18.0 / 500);

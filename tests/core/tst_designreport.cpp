@@ -33,35 +33,7 @@ class TestDesignReport : public QObject
 private slots:
     void csvQuoting();
     void billOfMaterialsAndReport();
-
-private:
-    // enabler -> branch (Above Ground) -> box -> {leader -> Plain -> jumper -> Plain, Count Limited,
-    // branch (Plenum, 12.25 ft) -> box}.
-    void buildPlan(Session& s, const Database& db, CWidget** lastPlain);
 };
-
-void TestDesignReport::buildPlan(Session& s, const Database& db, CWidget** lastPlain)
-{
-    s.header().fixture = QStringLiteral("Plain");
-    s.reset();
-    ConfigDocument& doc = s.document();
-    DLFixture* plain = db.fixtureNamed(QStringLiteral("Plain"));
-    CWidget* first = doc.addJunctionBox();
-    QVERIFY(first);
-    QVERIFY(doc.addLeader(plain));
-    doc.addFixture(plain);
-    doc.addJumper(plain);
-    *lastPlain = doc.addFixture(plain);
-    QVERIFY(*lastPlain);
-    doc.setCurrent(first);
-    QVERIFY(doc.addFixture(db.fixtureNamed(QStringLiteral("Count Limited"))));
-    doc.setCurrent(first);
-    CWidget* box = doc.addJunctionBox();
-    QVERIFY(box);
-    auto* wire = static_cast<BranchWireWidget*>(box->parentWidget());
-    wire->setLocation(QStringLiteral("Plenum"));
-    wire->setLength(12.25);
-}
 
 void TestDesignReport::csvQuoting()
 {
@@ -74,14 +46,27 @@ void TestDesignReport::csvQuoting()
 
 void TestDesignReport::billOfMaterialsAndReport()
 {
-    CatalogSession f(QStringLiteral("calc/analysis.xml"));
+    CatalogSession f(QStringLiteral("calc/analysis.xml"), QStringLiteral("Plain"));
     QVERIFY(f.ready());
     Session& s = *f.session;
     Database& db = f.db;
     ConfigDocument& doc = s.document();
     DLFixture* plain = db.fixtureNamed(QStringLiteral("Plain"));
-    CWidget* lastPlain = nullptr;
-    buildPlan(s, db, &lastPlain);
+    // enabler -> branch (Above Ground) -> box -> {leader -> Plain -> jumper -> Plain, Count Limited,
+    // branch (Plenum, 12.25 ft) -> box}.
+    CWidget* first = doc.addJunctionBox();
+    doc.addLeader(plain);
+    doc.addFixture(plain);
+    doc.addJumper(plain);
+    CWidget* lastPlain = doc.addFixture(plain);
+    doc.setCurrent(first);
+    doc.addFixture(db.fixtureNamed(QStringLiteral("Count Limited")));
+    doc.setCurrent(first);
+    CWidget* box = doc.addJunctionBox();
+    QVERIFY(first && lastPlain && box);
+    auto* wire = static_cast<BranchWireWidget*>(box->parentWidget());
+    wire->setLocation(QStringLiteral("Plenum"));
+    wire->setLength(12.25);
     // Kinds in their order, items by first placement; the two branch wires differ by location.
     COMPARE_GOLDEN(DesignReport::bomCsv(DesignReport::billOfMaterials(doc.root())), "calc/bom.csv");
 
