@@ -12,7 +12,6 @@ namespace
 struct Harness : CatalogSession {
     Harness() : CatalogSession(QStringLiteral("calc/analysis.xml")) {}
     HeaderValues& header() { return session->header(); }
-    DLPowerSupply* enabler() { return db.supplyNamed(QStringLiteral("Signal Feeder Pro")); }
 
     // A fresh canvas with n fixtures of one type chained below the enabler, analysed at volts.
     const AnalysisResult& chain(const QString& fixture, int n, int volts = 120)
@@ -119,6 +118,12 @@ void TestAnalysis::summaryAndTotals()
     QCOMPARE(r120.logLines(), (QList<QPair<QString, bool>>{{r120.summaryLine, false}}));
     QVERIFY(h.doc().passFlag());
     QCOMPARE(formatNumber(1234567.0), QStringLiteral("1.23457e+06"));
+    // A fixture or enabler the catalog lacks: the first fixture listed, no enabler.
+    h.header().fixture = QStringLiteral("No Such Fixture");
+    h.header().supply = QStringLiteral("Line Voltage");
+    QCOMPARE(h.session->inputs().selectedFixture, h.db.fixtureNamed(QStringLiteral("Plain")));
+    h.header().supply = QStringLiteral("Unknown");
+    QVERIFY(!h.session->inputs().enabler);
 }
 
 void TestAnalysis::lookupsFloorAndNearest()
@@ -274,7 +279,7 @@ void TestAnalysis::runLengthLimits()
 {
     Harness h;
     QVERIFY(h.ready());
-    DLPowerSupply* enabler = h.enabler();
+    DLPowerSupply* enabler = h.db.supplyNamed(QStringLiteral("Signal Feeder Pro"));
 
     // The enabler's per-run limit: 3 fixtures are 12 ft.
     enabler->maxElectricalLengthPerRun = 12;
