@@ -150,29 +150,15 @@ void TestAnalysis::outputModesCompound()
     Harness h;
     QVERIFY(h.ready());
     DLFixture* mode = h.db.fixtureNamed(QStringLiteral("Mode Test")); // 1 ohm, 11 W at power factor 1
-    struct Case {
-        int mode;
-        int voltage1, voltage2; // run voltage with one and with two fixtures
-        double drop1, drop2;
-    };
-    // Each fixture takes the voltage handed up from the one below: two mode-1 fixtures give
-    // 120 - 10 = 110, then 110 - 0.22 - 10 = 99.78.
-    const Case cases[] = {
-        {0, 120, 120, 11.0 / 120, 11.0 / 120 + 22.0 / 120},
-        {1, 110, 99, 0.22, 0.22 + 22.0 / 99.78 * 2.2},
-        {2, 108, 97, 22.0 / 108, 22.0 / 108 + 44.0 / ((108 - 22.0 / 108) * 0.9)},
-        {3, 110, 100, 11.0 / 110 * 1.414213562373095, 0.1414213562373095 + 22.0 / 100 * 1.414213562373095},
-        {4, 108, 97, 22.0 / 108, 22.0 / 108 + 44.0 / ((108 - 22.0 / 108) * 0.9)},
-        {7, 120, 120, 11.0 / 120, 11.0 / 120 + 22.0 / 120},
-    };
-    for (const Case& c : cases) {
-        mode->safetyRequired = c.mode;
+    for (const QString& line : dataLines(QStringLiteral("calc/output-modes.txt"))) {
+        const QStringList row = dataFields(line);
+        mode->safetyRequired = row.at(0).toInt();
         const RunFigures one = h.chain(mode->name, 1).runs.first();
-        QCOMPARE(one.runVoltage, c.voltage1);
-        QCOMPARE(one.voltageDrop, c.drop1);
+        QCOMPARE(one.runVoltage, row.at(1).toInt());
+        QCOMPARE(one.voltageDrop, row.at(3).toDouble());
         const RunFigures two = h.chain(mode->name, 2).runs.first();
-        QCOMPARE(two.runVoltage, c.voltage2);
-        QCOMPARE(two.voltageDrop, c.drop2);
+        QCOMPARE(two.runVoltage, row.at(2).toInt());
+        QCOMPARE(two.voltageDrop, row.at(4).toDouble());
     }
     mode->safetyRequired = 0;
     mode->fudgeFactor = 2.0;
