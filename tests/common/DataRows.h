@@ -1,7 +1,7 @@
 #pragma once
 
 // Tables kept under tests/data: one row a line, fields separated by tabs, "#" lines and blank
-// lines skipped.
+// lines skipped. A table without rows fails the test that reads it.
 
 #include "CatalogFixture.h"
 
@@ -11,5 +11,7 @@ inline QList<QStringList> dataRows(const QString& relative)
     for (const QString& line : QString::fromUtf8(testDataBytes(relative)).split('\n', Qt::SkipEmptyParts))
         if (!line.startsWith('#'))
             rows << line.split('\t');
+    if (rows.isEmpty())
+        QTest::qFail(qPrintable("no rows in " + relative), __FILE__, __LINE__);
     return rows;
 }

@@ -1,7 +1,7 @@
 // Catalog loader, records and per-voltage lookups, driven by the files in tests/data/catalog, by
 // generated hostile documents and by the shipped sample catalog.
 
-#include "CatalogFixture.h"
+#include "DataRows.h"
 
 #include "catalog/DLRecords.h"
 #include "model/CWidget.h"
@@ -236,48 +236,36 @@ private slots:
 
     void voltageLookups()
     {
-        // Nearest and floor lookups with 9 as the default; ties go to the lower voltage, the nearest
-        // search stops 10 000 V away, an exact zero entry is found.
-        const QMap<int, double> two{{120, 1.5}, {277, 2.5}};
-        const struct {
+        // Rows of voltage-lookups.tsv: a table (volts=value), a key, the nearest and the floor
+        // lookups with 9 as the default.
+        for (const QStringList& row : dataRows("catalog/voltage-lookups.tsv")) {
             QMap<int, double> table;
-            int key;
-            double nearest, floor;
-        } rows[] = {{two, 0, 9, 9},          {{}, 120, 0, 9},          {two, 208, 2.5, 1.5},
-                    {two, 50, 1.5, 0},       {two, 480, 2.5, 2.5},     {{{100, 1}, {140, 2}}, 120, 1, 1},
-                    {{{20000, 4}}, 120, 0, 0}, {{{10119, 4}}, 120, 4, 0}, {{{120, 0}, {130, 3}}, 120, 0, 0}};
-        for (const auto& r : rows) {
-            QCOMPARE(VoltageLookup::nearest(r.table, r.key, 9.0), r.nearest);
-            QCOMPARE(VoltageLookup::floor(r.table, r.key, 9.0), r.floor);
+            for (const QString& entry : row.at(0).split(' ', Qt::SkipEmptyParts))
+                table.insert(entry.section('=', 0, 0).toInt(), entry.section('=', 1).toDouble());
+            QCOMPARE(VoltageLookup::nearest(table, row.at(1).toInt(), 9.0), row.at(2).toDouble());
+            QCOMPARE(VoltageLookup::floor(table, row.at(1).toInt(), 9.0), row.at(3).toDouble());
         }
     }
 
     void junctionBoxCapacity()
     {
-        // Capacities A and B of a box for a conductor of the given kind and size with an extra
-        // allowance; kind 2 also takes the 5.25 allowance. Entries count the largest once and every
-        // entry's repeats; two ports may be reserved for one kind; a negative room truncates
-        // towards zero.
-        const struct {
-            float volume;
-            int ports, reservedKind; // -1: none reserved
-            QList<BoxEntry> entries;
-            int kind;
-            float conductor, allowance;
-            int capA, capB;
-        } rows[] = {{30.25f, 8, -1, {}, 2, 3.0f, 0.0f, 2, 4},                         // B: 25 / 6
-                    {30.25f, 6, -1, {{2.0f, 3}, {2.25f, 2}}, 3, 2.0f, 1.5f, 3, 4}, // 23.25; 6 - 2 ports
-                    {42.0f, 6, 1, {}, 1, 2.0f, 0.0f, 4, 4},
-                    {42.0f, 6, 2, {}, 1, 2.0f, 0.0f, 6, 6},
-                    {0.0f, 2, -1, {{10.0f, 1}}, 1, 1.0f, 0.0f, -5, -7}};
-        for (const auto& r : rows) {
+        // Rows of box-capacity.tsv: a box's volume and ports, the kind two ports are reserved for,
+        // the entries already in it (volume x count), a conductor's kind, volume and allowance,
+        // and capacities A and B.
+        for (const QStringList& row : dataRows("catalog/box-capacity.tsv")) {
             DLJunctionBox box("Box", VxTechDynaline);
-            box.volume = r.volume;
-            box.numPorts = r.ports;
-            if (r.reservedKind >= 0)
-                box.reservedPorts.insert(r.reservedKind, 2);
-            QCOMPARE(box.capacityA(r.entries, r.kind, r.conductor, r.allowance), r.capA);
-            QCOMPARE(box.capacityB(r.entries, r.kind, r.conductor, r.allowance), r.capB);
+            box.volume = row.at(0).toFloat();
+            box.numPorts = row.at(1).toInt();
+            if (row.at(2) != "-")
+                box.reservedPorts.insert(row.at(2).toInt(), 2);
+            QList<BoxEntry> entries;
+            for (const QString& entry : row.at(3).split(' ', Qt::SkipEmptyParts))
+                entries << BoxEntry{entry.section('x', 0, 0).toFloat(), entry.section('x', 1).toInt()};
+            const int kind = row.at(4).toInt();
+            const float conductor = row.at(5).toFloat();
+            const float allowance = row.at(6).toFloat();
+            QCOMPARE(box.capacityA(entries, kind, conductor, allowance), row.at(7).toInt());
+            QCOMPARE(box.capacityB(entries, kind, conductor, allowance), row.at(8).toInt());
         }
     }
 
