@@ -1,4 +1,4 @@
-#include "CatalogFixture.h"
+#include "DataRows.h"
 
 #include "catalog/Database.h"
 #include "catalog/Reporter.h"
@@ -388,30 +388,17 @@ private slots:
     {
         // Each row of add-buttons.tsv: the steps (see runSteps) on a fresh document with the Duo
         // enabler, the buttons enabled after them and the jumper button.
-        QTest::addColumn<QString>("steps");
-        QTest::addColumn<QString>("enabled");
-        QTest::addColumn<int>("jumper");
-        const QMap<QString, int> jumpers{{"same", Additions::JumperUnchanged},
-                                         {"off", Additions::JumperOff},
-                                         {"on", Additions::JumperOn}};
-        QFile rows(testDataPath("project/add-buttons.tsv"));
-        QVERIFY(rows.open(QIODevice::ReadOnly | QIODevice::Text));
-        while (!rows.atEnd()) {
-            const QStringList f = QString::fromUtf8(rows.readLine()).chopped(1).split('\t');
-            if (!f.first().startsWith('#'))
-                QTest::newRow(qPrintable(f.value(0))) << f.value(1) << f.value(2) << jumpers.value(f.value(3), -1);
-        }
+        QTest::addColumn<QStringList>("row");
+        for (const QStringList& row : dataRows("project/add-buttons.tsv"))
+            QTest::newRow(qPrintable(row.at(0))) << row;
     }
 
     void addButtonRule()
     {
-        QFETCH(QString, steps);
-        QFETCH(QString, enabled);
-        QFETCH(int, jumper);
+        QFETCH(QStringList, row);
         ConfigDocument doc(&m_db);
         doc.addSupply(m_duo);
-        const DLFixture* chosen = runSteps(doc, steps);
-        const Additions a = doc.allowedAdditions(chosen);
+        const Additions a = doc.allowedAdditions(runSteps(doc, row.at(1)));
         QStringList on;
         const std::pair<const char*, bool> named[] = {{"fixture", a.fixture},     {"leader", a.leader},
                                                       {"receiver", a.receiver},   {"box", a.junctionBox},
@@ -419,8 +406,11 @@ private slots:
         for (const auto& [label, allowed] : named)
             if (allowed)
                 on << label;
-        QCOMPARE(on.join(' '), enabled);
-        QCOMPARE(int(a.jumper), jumper);
+        QCOMPARE(on.join(' '), row.at(2));
+        const QMap<QString, int> jumpers{{"same", Additions::JumperUnchanged},
+                                         {"off", Additions::JumperOff},
+                                         {"on", Additions::JumperOn}};
+        QCOMPARE(int(a.jumper), jumpers.value(row.at(3), -1));
     }
 
     void addsNeedARootAndRecords()

@@ -199,33 +199,20 @@ private slots:
 
     // The custom values are read only next to "Other", with defaults when absent; the fixture
     // under its present name.
-    void headerOnReading_data()
-    {
-        QTest::addColumn<QString>("attributes");
-        QTest::addColumn<int>("voltage");
-        QTest::addColumn<int>("load");
-        QTest::newRow("defaults") << "LineVoltage=\"Other\" MaxCircuitLoad=\"Other\"" << 120 << 15;
-        QTest::newRow("ignored") << "LineVoltage=\"120\" CustomLineVoltage=\"230\" MaxCircuitLoad=\"20\" "
-                                    "CustomMaxCircuitLoad=\"30\"" << 999 << 999;
-        QTest::newRow("read") << "LineVoltage=\"Other\" CustomLineVoltage=\"230\" MaxCircuitLoad=\"Other\" "
-                                 "CustomMaxCircuitLoad=\"18\" CurrentFixtureName=\"Glowbar Tunable Dynaline 4ft\""
-                              << 230 << 18;
-    }
-
+    // The custom values are read only next to "Other", with defaults when absent; the fixture
+    // under its present name. Rows: the header's attributes, the custom voltage and load read.
     void headerOnReading()
     {
-        QFETCH(QString, attributes);
-        QFETCH(int, voltage);
-        QFETCH(int, load);
-        HeaderValues in;
-        in.customVoltage = in.customLoad = 999;
-        in.controller = QStringLiteral("Keep");
-        ConfigDocument target(&m_db);
-        QVERIFY(ProjectFile::read(project(QString(), attributes), target, in, nullptr));
-        QCOMPARE(in.customVoltage, voltage);
-        QCOMPARE(in.customLoad, load);
-        QCOMPARE(in.controller, QStringLiteral("Keep")); // an empty controller selects nothing
-        QCOMPARE(in.fixture, attributes.contains(QStringLiteral("Glowbar")) ? kBar : QString());
+        for (const QStringList& row : dataRows("project/header-reading.tsv")) {
+            HeaderValues in;
+            in.customVoltage = in.customLoad = 999;
+            in.controller = QStringLiteral("Keep");
+            ConfigDocument target(&m_db);
+            QVERIFY(ProjectFile::read(project(QString(), row.at(0)), target, in, nullptr));
+            QCOMPARE((QList<int>{in.customVoltage, in.customLoad}), (QList<int>{row.at(1).toInt(), row.at(2).toInt()}));
+            QCOMPARE(in.controller, QStringLiteral("Keep")); // an empty controller selects nothing
+            QCOMPARE(in.fixture, row.at(0).contains(QStringLiteral("Glowbar")) ? kBar : QString());
+        }
     }
 
     void readingRules()
