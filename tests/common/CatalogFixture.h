@@ -9,6 +9,7 @@
 #include "calc/Session.h"
 #include "catalog/Database.h"
 #include "catalog/Reporter.h"
+#include "model/CWidget.h"
 #include "model/ConfigDocument.h"
 
 #include <QFile>
@@ -20,6 +21,23 @@ inline QByteArray testDataBytes(const QString& relative)
 {
     QFile file(testDataPath(relative));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// The lines of a file under tests/data, without blank lines and "#" comments.
+inline QStringList dataLines(const QString& relative)
+{
+    QStringList lines = QString::fromUtf8(testDataBytes(relative)).split('\n', Qt::SkipEmptyParts);
+    lines.removeIf([](const QString& line) { return line.startsWith('#'); });
+    return lines;
+}
+
+// The fields of a "|"-separated data line, trimmed.
+inline QStringList dataFields(const QString& line)
+{
+    QStringList fields = line.split(QLatin1Char('|'));
+    for (QString& field : fields)
+        field = field.trimmed();
+    return fields;
 }
 
 // The golden file's bytes; with RUNPLAN_UPDATE_GOLDEN=1 in the environment the file is first
@@ -75,6 +93,14 @@ struct CatalogSession : LoadedCatalog {
         }
     }
     ConfigDocument& doc() { return session->document(); }
+    SupplyWidget* root() { return static_cast<SupplyWidget*>(doc().root()); }
+    // A fresh canvas whose enabler feeds Feedwise, with a receiver below it (branch wire, then receiver).
+    CWidget* feedwiseReceiver()
+    {
+        session->reset();
+        root()->setOutputMode(Modes::feedwise());
+        return doc().addReceiver();
+    }
 
     RecordingReporter log; // what the session reported after loading
     std::unique_ptr<Session> session;

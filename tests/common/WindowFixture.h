@@ -33,14 +33,6 @@ inline bool writeFileBytes(const QString& path, const QByteArray& bytes)
     return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
 }
 
-// The lines of a file under tests/data, without blank lines and "#" comments.
-inline QStringList dataLines(const QString& relative)
-{
-    QStringList lines = QString::fromUtf8(testDataBytes(relative)).split('\n', Qt::SkipEmptyParts);
-    lines.removeIf([](const QString& line) { return line.startsWith('#'); });
-    return lines;
-}
-
 // Runs f while writes of this process and its children stop after `bytes` (the limit binds root
 // too and stands in for a full disk); false when the limit could not be set.
 template <typename F> bool withFileSizeLimit(rlim_t bytes, F f)

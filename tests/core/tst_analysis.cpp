@@ -2,37 +2,17 @@
 // are worked out by hand in the comments: a check fixture is 0.5 ohm and 4 ft; at 120 V it draws
 // 12 W at power factor 0.8 (0.125 A), at 277 V 24 W at 0.9 (0.0962696 A). In a chain of n such
 // fixtures the drop is 12/96 * 0.5 * n(n+1)/2 at 120 V and 24/249.3 * 0.5 * n(n+1)/2 at 277 V.
-#include "TestSupport.h"
+#include "CatalogFixture.h"
 
 #include "calc/Analysis.h"
-#include "calc/Session.h"
-#include "catalog/Database.h"
-#include "catalog/Reporter.h"
-#include "model/CWidget.h"
-#include "model/ConfigDocument.h"
-
-#include <QtTest>
-
-#include <memory>
 
 namespace
 {
 
-struct Harness {
-    Database db;
-    RecordingReporter loadMessages;
-    std::unique_ptr<Session> session;
-
-    Harness()
-    {
-        db.loadFile(testDataPath(QStringLiteral("calc/analysis.xml")), &loadMessages);
-        session = std::make_unique<Session>(db);
-    }
-    bool ready() const { return db.isValid() && loadMessages.messages.isEmpty(); }
-    ConfigDocument& doc() { return session->document(); }
+struct Harness : CatalogSession {
+    Harness() : CatalogSession(QStringLiteral("calc/analysis.xml")) {}
     HeaderValues& header() { return session->header(); }
     DLPowerSupply* enabler() { return db.supplyNamed(QStringLiteral("Signal Feeder Pro")); }
-    SupplyWidget* root() { return static_cast<SupplyWidget*>(doc().root()); }
 
     // A fresh canvas with n fixtures of one type chained below the enabler, analysed at volts.
     const AnalysisResult& chain(const QString& fixture, int n, int volts = 120)
@@ -52,13 +32,6 @@ struct Harness {
     {
         session->analyze();
         return session->result();
-    }
-    // The root switched to Feedwise, with a receiver below it (branch wire, then receiver).
-    CWidget* feedwiseReceiver()
-    {
-        session->reset();
-        root()->setOutputMode(Modes::feedwise());
-        return doc().addReceiver();
     }
 };
 
@@ -88,57 +61,19 @@ private slots:
 
 void TestAnalysis::checksFireAlone_data()
 {
-    QTest::addColumn<QString>("fixture");
-    QTest::addColumn<int>("volts");
-    QTest::addColumn<int>("passing"); // the largest chain that passes
-    QTest::addColumn<QString>("runMessage");
-    QTest::addColumn<QString>("circuitMessage");
-
-    const QString count =
-        QStringLiteral("\nFixture count in current run (%1) exceeded the fixture type's maximum (%2).");
-    QTest::newRow("count 120") << "Count Limited" << 120 << 3 << count.arg(4).arg(3) << QString();
-    QTest::newRow("count 277") << "Count Limited" << 277 << 5 << count.arg(6).arg(5) << QString();
-    const QString length = QStringLiteral("\nTotal length exceeds the fixture type's maximum of 10 ft.");
-    QTest::newRow("length 120") << "Length Limited" << 120 << 2 << length << QString();
-    QTest::newRow("length 277") << "Length Limited" << 277 << 2 << length << QString();
-    // 3 fixtures: 0.375 V at 120, 0.288809 V at 277; 2 fixtures: 0.1875 and 0.144404.
-    const QString drop =
-        QStringLiteral("\nTotal voltage drop exceeded the fixture type's maximum of 0.25 volts.");
-    QTest::newRow("drop 120") << "Drop Limited" << 120 << 2 << drop << QString();
-    QTest::newRow("drop 277") << "Drop Limited" << 277 << 2 << drop << QString();
-    // The share is a fraction of the line voltage: 0.36 V at 120, 0.831 V at 277 (6 fixtures: 1.0108).
-    const QString share =
-        QStringLiteral("\nVoltage dropped exceeded the fixture type's maximum percentage of 0.003.");
-    QTest::newRow("share 120") << "Share Limited" << 120 << 2 << share << QString();
-    QTest::newRow("share 277") << "Share Limited" << 277 << 5 << share << QString();
-    const QString power = QStringLiteral("\nTotal power exceeded the fixture type's maximum of 30 watts.");
-    QTest::newRow("power 120") << "Power Limited" << 120 << 2 << power << QString();
-    QTest::newRow("power 277") << "Power Limited" << 277 << 1 << power << QString();
-    const QString current =
-        QStringLiteral("\nTotal current exceeded  the fixture type's maximum of %1 amps.");
-    QTest::newRow("current 120") << "Current Limited" << 120 << 2 << current.arg(0.3) << QString();
-    QTest::newRow("current 277") << "Current Limited" << 277 << 1 << current.arg(0.15) << QString();
-    QTest::newRow("current fallback 120") << "Current Fallback" << 120 << 2 << current.arg(0.3) << QString();
-    QTest::newRow("current fallback 277") << "Current Fallback" << 277 << 3 << current.arg(0.3) << QString();
-    // 120 - 0.375 < 119.7 but 120 - 0.1875 is not; 277 - 0.288809 < 276.8 but 277 - 0.144404 is not.
-    const QString minimum = QStringLiteral("\nVoltage dropped below the fixture type's minimum of %1 volts.");
-    QTest::newRow("minimum 120") << "Min Voltage Low" << 120 << 2 << minimum.arg(119.7) << QString();
-    QTest::newRow("minimum 277") << "Min Voltage High" << 277 << 2 << minimum.arg(276.8) << QString();
-    // A 1 A circuit derates to 0.8 A: 7 x 0.125 A at 120 V, 9 x 0.0962696 A at 277 V.
-    const QString load = QStringLiteral("\nTotal current of %1 amps exceeded the maximum load of 0.8.");
-    QTest::newRow("circuit load 120")
-        << "Plain" << 120 << 6 << QString() << load.arg(QStringLiteral("0.875"));
-    QTest::newRow("circuit load 277")
-        << "Plain" << 277 << 8 << QString() << load.arg(QStringLiteral("0.866426"));
+    QTest::addColumn<QStringList>("row"); // fixture, volts, passing, run message, circuit message
+    for (const QString& line : dataLines(QStringLiteral("calc/checks.txt")))
+        QTest::newRow(qPrintable(line.section('|', 0, 1))) << dataFields(line);
 }
 
 void TestAnalysis::checksFireAlone()
 {
-    QFETCH(QString, fixture);
-    QFETCH(int, volts);
-    QFETCH(int, passing);
-    QFETCH(QString, runMessage);
-    QFETCH(QString, circuitMessage);
+    QFETCH(QStringList, row);
+    const QString fixture = row.value(0);
+    const int volts = row.value(1).toInt();
+    const int passing = row.value(2).toInt();
+    const QString runMessage = row.value(3).isEmpty() ? QString() : '\n' + row.value(3);
+    const QString circuitMessage = row.value(4).isEmpty() ? QString() : '\n' + row.value(4);
 
     Harness h;
     QVERIFY(h.ready());
@@ -266,41 +201,23 @@ void TestAnalysis::outputModesCompound()
 
 void TestAnalysis::gen4BreakerTables_data()
 {
-    QTest::addColumn<QString>("enabler");
-    QTest::addColumn<QString>("load");
-    QTest::addColumn<int>("volts");
-    QTest::addColumn<int>("fixtures");
-    QTest::addColumn<int>("maximum");
-
-    // The gen4 fixture's tables: general 50 / 60, 15 A 3 / 6, 20 A 4 / 8 (120 V / 277 V).
-    QTest::newRow("15 A") << "Signal Feeder Pro" << "15" << 120 << 4 << 3;
-    QTest::newRow("20 A within") << "Signal Feeder Pro" << "20" << 120 << 4 << 4;
-    QTest::newRow("20 A over") << "Signal Feeder Pro" << "20" << 120 << 5 << 4;
-    QTest::newRow("15 A 277") << "Signal Feeder Pro" << "15" << 277 << 7 << 6;
-    QTest::newRow("20 A 277") << "Signal Feeder Pro" << "20" << 277 << 8 << 8;
-    QTest::newRow("custom 15 A") << "Signal Feeder Pro" << "Other15" << 120 << 4 << 3;
-    QTest::newRow("30 A unchecked") << "Signal Feeder Pro" << "Other30" << 120 << 5 << 0;
-    QTest::newRow("RD-5000 general table") << "RD-5000" << "15" << 120 << 4 << 50;
+    QTest::addColumn<QStringList>("row"); // enabler, load, volts, fixtures, maximum
+    for (const QString& line : dataLines(QStringLiteral("calc/gen4-breakers.txt")))
+        QTest::newRow(qPrintable(line)) << dataFields(line);
 }
 
 void TestAnalysis::gen4BreakerTables()
 {
-    QFETCH(QString, enabler);
-    QFETCH(QString, load);
-    QFETCH(int, volts);
-    QFETCH(int, fixtures);
-    QFETCH(int, maximum);
+    QFETCH(QStringList, row);
+    const int fixtures = row.value(3).toInt();
+    const int maximum = row.value(4).toInt();
 
     Harness h;
     QVERIFY(h.ready());
-    h.header().supply = enabler;
-    if (load.startsWith(QLatin1String("Other"))) {
-        h.header().maxCircuitLoad = QStringLiteral("Other");
-        h.header().customLoad = load.mid(5).toInt();
-    } else {
-        h.header().maxCircuitLoad = load;
-    }
-    const AnalysisResult& r = h.chain(QStringLiteral("Tintflare Dynaline gen4"), fixtures, volts);
+    h.header().supply = row.value(0);
+    h.header().maxCircuitLoad = row.value(1).section(' ', 0, 0);
+    h.header().customLoad = row.value(1).section(' ', 1).toInt();
+    const AnalysisResult& r = h.chain(QStringLiteral("Tintflare Dynaline gen4"), fixtures, row.value(2).toInt());
     QCOMPARE(r.runs.first().maxFixtures, maximum);
     const bool over = maximum >= 1 && fixtures > maximum;
     QCOMPARE(r.pass, !over);
@@ -506,8 +423,8 @@ void TestAnalysis::feedwiseWiringAndModes()
     wire->setLength(30);
     h.doc().setCurrent(receiver);
     h.doc().addJunctionBox(); // Feedwise branch, box
-    h.doc().addReceiver();    // Feedwise branch, receiver
-    h.doc().addJunctionBox(); // Feedwise branch, box
+    const CWidget* second = h.doc().addReceiver(); // Feedwise branch, receiver
+    h.doc().addJunctionBox();                      // Feedwise branch, box
     // Branch wires left undefined take Dynaline below a receiver and below its fixture.
     h.doc().setCurrent(receiver);
     h.doc().insert(createComponent(&h.db, ItemBranchWire, QString(), 0));
@@ -515,22 +432,10 @@ void TestAnalysis::feedwiseWiringAndModes()
     h.doc().addFixture(h.db.fixtureNamed(QStringLiteral("Plain")));
     h.doc().insert(createComponent(&h.db, ItemBranchWire, QString(), 0));
     r = h.analyze();
-    double feedwiseLength = 0.0;
-    QList<const CWidget*> feedwiseReceivers;
-    QList<const CWidget*> pending{h.root()};
-    while (!pending.isEmpty()) {
-        const CWidget* w = pending.takeFirst();
-        if (w->itemType() == ItemBranchWire && w->effectiveMode() == Modes::feedwise())
-            feedwiseLength += static_cast<const BranchWireWidget*>(w)->length();
-        if (w->itemType() == ItemReceiver && w->locationText() == Modes::feedwise())
-            feedwiseReceivers.append(w);
-        pending = QList<const CWidget*>(w->children().cbegin(), w->children().cend()) + pending;
-    }
-    QCOMPARE(feedwiseLength, 30.0 + 3 * 10.0);
-    QCOMPARE(r.feedwiseLength, feedwiseLength);
-    QCOMPARE(r.receiverLengths.size(), feedwiseReceivers.size());
-    for (int i = 0; i < feedwiseReceivers.size(); ++i)
-        QCOMPARE(r.receiverLengths.at(i).first, feedwiseReceivers.at(i));
+    QCOMPARE(r.feedwiseLength, 30.0 + 3 * 10.0);
+    QCOMPARE(r.receiverLengths.size(), 2);
+    QCOMPARE(r.receiverLengths.at(0).first, receiver);
+    QCOMPARE(r.receiverLengths.at(1).first, second);
     // Plenum: 30 x 0.01; the Above Ground branches 3 x 10 x 0.005.
     QCOMPARE(r.feedwiseLoad, 0.3 + 0.15);
 }

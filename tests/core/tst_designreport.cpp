@@ -3,7 +3,6 @@
 #include "CatalogFixture.h"
 
 #include "calc/DesignReport.h"
-#include "model/CWidget.h"
 
 namespace
 {

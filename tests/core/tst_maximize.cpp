@@ -3,7 +3,6 @@
 #include "CatalogFixture.h"
 
 #include "calc/Maximize.h"
-#include "model/CWidget.h"
 
 namespace
 {
@@ -11,7 +10,6 @@ namespace
 struct Harness : CatalogSession {
     explicit Harness(const QString& fixture) : CatalogSession(QStringLiteral("calc/analysis.xml"), fixture) {}
     DLFixture* fixture() { return session->selectedFixture(); }
-    SupplyWidget* root() { return static_cast<SupplyWidget*>(doc().root()); }
     int count(int kind) { return doc().count(kind); }
     int maximize()
     {
@@ -21,11 +19,6 @@ struct Harness : CatalogSession {
             doc(), fixture(), [this]() { return session->analyze(); }, &log);
     }
     QStringList countLines() const { return log.logLines.filter(QStringLiteral("Fixture Count is now: ")); }
-    CWidget* feedwiseReceiver()
-    {
-        root()->setOutputMode(Modes::feedwise());
-        return doc().addReceiver();
-    }
 };
 
 } // namespace
