@@ -1,4 +1,4 @@
-#include "TestSupport.h"
+#include "DataRows.h"
 
 #include "catalog/Database.h"
 #include "catalog/Reporter.h"
@@ -104,17 +104,16 @@ private slots:
         auto* receiver = new ReceiverWidget(&m_db, m_receiver);
         above->insertChild(receiver);
         QCOMPARE(receiver->junctionBox(), "Box Alpha");
-        QCOMPARE((QList<int>{receiver->capacityA(), receiver->capacityB(), receiver->maxChildren()}),
-                 (QList<int>{2, 3, 5}));
+        QList<int> held{receiver->capacityA(), receiver->capacityB(), receiver->maxChildren()};
         above->setGauge("16");
-        QCOMPARE(receiver->maxChildren(), 6);
+        held << receiver->maxChildren();
         above->setGauge("12");
-        QCOMPARE(receiver->maxChildren(), 5);
+        held << receiver->maxChildren();
         receiver->setJunctionBox("Box Delta");
-        QCOMPARE(receiver->maxChildren(), 12);
+        held << receiver->maxChildren();
         receiver->setJunctionBox("No Box");
-        QCOMPARE(receiver->maxChildren(), 0);
-        QCOMPARE(ReceiverWidget(&m_db, m_receiver).maxChildren(), 5); // on no wire: as on 12 gauge
+        held << receiver->maxChildren() << ReceiverWidget(&m_db, m_receiver).maxChildren(); // no wire: as 12 gauge
+        QCOMPARE(held, (QList<int>{2, 3, 5, 6, 5, 12, 0, 5}));
 
         // The model refuses an insertion once a parent is full, and leaves the component alone.
         CWidgetModel model;
@@ -217,7 +216,6 @@ private slots:
         // Supply output modes: catalog order, "Feedwise" only for a supply placed by the user,
         // and only the present mode once a run hangs below it.
         SupplyWidget placed(&m_db, m_feedFirst, 0);
-        QCOMPARE(placed.editorRule(PropOutputMode).kind, EditorRule::Combo);
         QCOMPARE(marked(placed.editorRule(PropOutputMode)),
                  QStringList({"*Feedwise", "Line Voltage", "Dynaline"}));
         SupplyWidget fromFile(&m_db, m_feedFirst, 1);
@@ -266,7 +264,6 @@ private slots:
         leader.setLength(7.5);
         QCOMPARE(leader.editorRule(PropGauge).choices, QStringList({"14", "16", "18"}));
         const EditorRule spin = leader.editorRule(PropLength);
-        QVERIFY(spin.kind == EditorRule::Spin && spin.suffix == QLatin1String(" ft"));
         QCOMPARE((QList<int>{spin.value, spin.minimum, spin.maximum}), (QList<int>{8, 1, 60}));
         leader.setGauge("14");
         QCOMPARE(maxLength(leader), 100);
@@ -317,109 +314,23 @@ private slots:
         QCOMPARE(underReceiver->editorRule(PropInputMode).choices, QStringList{"Feedwise"});
         underReceiver->setLength(25.0);
         QCOMPARE(underReceiver->editorRule(PropInputMode).choices, QStringList({"Dynaline", "Feedwise"}));
-        QCOMPARE(FixtureWidget(&m_db, m_bar).editorRule(PropType).kind, EditorRule::None);
     }
 
-    void addButtons()
+    void addDefaults()
     {
-        ConfigDocument doc(&m_db);
-        QCOMPARE(doc.lastLocation(), "Above Ground");
-
-        // Enabler: the record's first output mode, placed by the user.
-        auto* supply = qobject_cast<SupplyWidget*>(doc.addSupply(m_feedFirst));
-        QVERIFY(supply && doc.current() == supply && doc.isModified());
-        QCOMPARE((QStringList{supply->outputMode(), supply->explicitLocation()}),
-                 QStringList({"Feedwise", ""}));
-        QCOMPARE(supply->ordinal(), 0);
-
-        // Receiver below a supply: a Feedwise branch wire (spare 3) at the last location first.
-        auto* receiver = qobject_cast<ReceiverWidget*>(doc.addReceiver());
-        QVERIFY(receiver && doc.current() == receiver && receiver->catalogItem() == m_receiver);
-        auto* feed = qobject_cast<BranchWireWidget*>(receiver->parentWidget());
-        QVERIFY(feed && feed->parentWidget() == supply);
-        QCOMPARE((QStringList{feed->inputMode(), QString::number(feed->spare()), feed->location(),
-                              feed->gauge(), receiver->junctionBox()}),
-                 QStringList({"Feedwise", "3", "Above Ground", "14", "Box Alpha"}));
-
-        // Junction box on a receiver: a Feedwise wire (spare 4) and the receiver-only box.
-        auto* onReceiver = qobject_cast<JunctionBoxWidget*>(doc.addJunctionBox());
-        QVERIFY(onReceiver);
-        auto* boxWire = qobject_cast<BranchWireWidget*>(onReceiver->parentWidget());
-        QVERIFY(boxWire && boxWire->parentWidget() == receiver);
-        QCOMPARE((QStringList{boxWire->inputMode(), QString::number(boxWire->spare()),
-                              onReceiver->catalogItem()->name, onReceiver->type()}),
-                 QStringList({"Feedwise", "4", "Box Beta", "Box Gamma"}));
-
-        // Fixture and leader on the receiver: the fixture in front, the Feedwise wire last. Cables
-        // take the fixture's default: a fixed one its electrical length, a custom one its default
-        // wire and custom length.
-        doc.setCurrent(receiver);
-        QVERIFY(doc.addLeader(m_trough));
-        doc.setCurrent(receiver);
-        QVERIFY(doc.addFixture(m_bar));
-        QCOMPARE(describe(receiver), QStringList({kBar, "Leader", "wire Above Ground"}));
-        auto* trough = asLeader(receiver->child(1));
-        QCOMPARE((QStringList{trough->type(), trough->gauge(), QString::number(trough->length())}),
-                 QStringList({"Custom Leader", "14", "12"}));
-        doc.setCurrent(receiver->child(0));
-        auto* fixedJumper = qobject_cast<JumperWidget*>(doc.addJumper(m_bar));
-        QVERIFY(fixedJumper);
-        QCOMPARE(
-            (QStringList{fixedJumper->type(), fixedJumper->gauge(), QString::number(fixedJumper->length())}),
-            QStringList({"Jumper 2ft", "", "2"}));
-        // A jumper below a jumper copies it.
-        doc.setCurrent(fixedJumper);
-        QVERIFY(doc.addFixture(m_trough));
-        auto* copied = qobject_cast<JumperWidget*>(doc.addJumper(m_trough));
-        QVERIFY(copied && copied->fixtureRecord() == m_trough);
-        QCOMPARE((QStringList{copied->type(), QString::number(copied->length())}),
-                 QStringList({"Jumper 2ft", "2"}));
-
-        // Junction box elsewhere: the wire takes the selection's mode, the box the first record not
-        // reserved for receivers. A new leader copies the last leader.
-        ConfigDocument dyn(&m_db);
-        dyn.addSupply(m_duo);
-        auto* plainBox = qobject_cast<JunctionBoxWidget*>(dyn.addJunctionBox());
-        QVERIFY(plainBox);
-        QCOMPARE(qobject_cast<BranchWireWidget*>(plainBox->parentWidget())->inputMode(), "Dynaline");
-        QCOMPARE(plainBox->catalogItem()->name, "Box Gamma");
-        asLeader(dyn.addLeader(m_bar))->setLength(2.5);
-        dyn.setCurrent(plainBox);
-        auto* second = asLeader(dyn.addLeader(m_bar));
-        QCOMPARE((QStringList{second->type(), QString::number(second->length())}),
-                 QStringList({"Leader 3ft", "2.5"}));
-        // A fixture that does not list the last leader's type takes its own default leader, so
-        // the leader has a cable (and a resistance) behind it.
-        dyn.setCurrent(plainBox);
-        auto* other = asLeader(dyn.addLeader(m_trough));
-        QCOMPARE((QStringList{other->type(), other->gauge(), QString::number(other->length())}),
-                 QStringList({"Custom Leader", "14", "12"}));
-        QVERIFY(other->resistancePerFoot() > 0.0);
-        // A jumper added while a jumper is selected copies that jumper.
-        dyn.setCurrent(plainBox);
-        dyn.addFixture(m_bar);
-        auto* custom = qobject_cast<JumperWidget*>(dyn.addJumper(m_bar));
-        custom->applyEditorValue(PropType, "Custom Jumper");
-        custom->setLength(7.0);
-        auto* below = qobject_cast<JumperWidget*>(dyn.addJumper(m_bar));
-        QVERIFY(below && below->parentWidget() == custom);
-        QCOMPARE((QStringList{below->type(), below->gauge(), QString::number(below->length())}),
-                 QStringList({"Custom Jumper", "16", "7"}));
-
-        // A second enabler hangs below a new Feedwise wire, last, and sits on the Dynaline side.
-        dyn.setCurrent(plainBox);
-        auto* nested = qobject_cast<SupplyWidget*>(dyn.addSupply(m_duo));
-        QVERIFY(nested);
-        auto* nestedWire = qobject_cast<BranchWireWidget*>(nested->parentWidget());
-        QVERIFY(nestedWire && plainBox->children().last() == nestedWire);
-        QCOMPARE((QStringList{nestedWire->inputMode(), QString::number(nestedWire->spare()),
-                              nested->explicitLocation()}),
-                 QStringList({"Feedwise", "3", "Dynaline"}));
-        // A location chosen in the editor is the next wire's.
-        nestedWire->applyEditorValue(PropLocation, "Underground");
-        dyn.setCurrent(plainBox);
-        auto* laterReceiver = dyn.addReceiver();
-        QCOMPARE(qobject_cast<BranchWireWidget*>(laterReceiver->parentWidget())->location(), "Underground");
+        // What each add button places, with which defaults, below what, and what it selects: two
+        // scenarios in add-steps.txt, the trees they leave in add-defaults.txt (the selection
+        // starred). Steps as in addButtonRule.
+        QString out;
+        for (const QString& steps : QString::fromUtf8(testDataBytes("project/add-steps.txt")).split('\n', Qt::SkipEmptyParts)) {
+            ConfigDocument doc(&m_db);
+            out += QStringLiteral("%1\nlast location %2\n").arg(steps, doc.lastLocation());
+            runSteps(doc, steps);
+            if (QTest::currentTestFailed())
+                return;
+            out += dump(doc, doc.root(), 0) + QStringLiteral("modified %1\n\n").arg(doc.isModified());
+        }
+        COMPARE_GOLDEN(out.toUtf8(), "project/add-defaults.txt");
     }
 
     void propertyEdits()
@@ -471,69 +382,19 @@ private slots:
 
     void addButtonRule_data()
     {
-        // Each row of add-buttons.tsv: the steps on a fresh document with the Duo enabler, the
-        // buttons enabled after them and the jumper button. Steps: add a "fixture", "jumper",
-        // "leader", "box" or "receiver"; select the "parent" or the "root"; "delete" the current
-        // component; make the enabler "feedwise"; select "nothing". "family1": the chosen fixture
-        // has family 1. "nobox": the receiver names no junction box, as an old project may;
-        // "63receivers": the most a run holds, each below the one before.
-        QTest::addColumn<QString>("steps");
-        QTest::addColumn<QString>("enabled");
-        QTest::addColumn<int>("jumper");
-        const QMap<QString, int> jumpers{{"same", Additions::JumperUnchanged},
-                                         {"off", Additions::JumperOff},
-                                         {"on", Additions::JumperOn}};
-        QFile rows(testDataPath("project/add-buttons.tsv"));
-        QVERIFY(rows.open(QIODevice::ReadOnly | QIODevice::Text));
-        while (!rows.atEnd()) {
-            const QStringList f = QString::fromUtf8(rows.readLine()).chopped(1).split('\t');
-            if (!f.first().startsWith('#'))
-                QTest::newRow(qPrintable(f.value(0))) << f.value(1) << f.value(2) << jumpers.value(f.value(3), -1);
-        }
+        // Each row of add-buttons.tsv: the steps (see runSteps) on a fresh document with the Duo
+        // enabler, the buttons enabled after them and the jumper button.
+        QTest::addColumn<QStringList>("row");
+        for (const QStringList& row : dataRows("project/add-buttons.tsv"))
+            QTest::newRow(qPrintable(row.at(0))) << row;
     }
 
     void addButtonRule()
     {
-        QFETCH(QString, steps);
-        QFETCH(QString, enabled);
-        QFETCH(int, jumper);
+        QFETCH(QStringList, row);
         ConfigDocument doc(&m_db);
         doc.addSupply(m_duo);
-        const DLFixture* chosen = m_bar;
-        DLFixture familyOne(QStringLiteral("One"), 1);
-        familyOne.family = 1;
-        for (const QString& step : steps.split(' ', Qt::SkipEmptyParts)) {
-            if (step == "fixture")
-                QVERIFY(doc.addFixture(m_bar));
-            else if (step == "jumper")
-                QVERIFY(doc.addJumper(m_bar));
-            else if (step == "leader")
-                QVERIFY(doc.addLeader(m_bar));
-            else if (step == "box")
-                QVERIFY(doc.addJunctionBox());
-            else if (step == "receiver")
-                QVERIFY(doc.addReceiver());
-            else if (step == "parent")
-                doc.setCurrent(doc.current()->parentWidget());
-            else if (step == "root")
-                doc.setCurrent(doc.root());
-            else if (step == "delete")
-                QVERIFY(doc.removeCurrent());
-            else if (step == "nothing")
-                doc.setCurrentIndex(QModelIndex());
-            else if (step == "feedwise")
-                QVERIFY(doc.root()->applyEditorValue(PropOutputMode, "Feedwise"));
-            else if (step == "family1")
-                chosen = &familyOne;
-            else if (step == "nobox") {
-                auto* receiver = qobject_cast<ReceiverWidget*>(doc.current());
-                QVERIFY(receiver);
-                receiver->setJunctionBox(QString());
-            } else if (step == "63receivers")
-                for (int i = 0; i < 63; ++i)
-                    QVERIFY(doc.addReceiver());
-        }
-        const Additions a = doc.allowedAdditions(chosen);
+        const Additions a = doc.allowedAdditions(runSteps(doc, row.at(1)));
         QStringList on;
         const std::pair<const char*, bool> named[] = {{"fixture", a.fixture},     {"leader", a.leader},
                                                       {"receiver", a.receiver},   {"box", a.junctionBox},
@@ -541,8 +402,11 @@ private slots:
         for (const auto& [label, allowed] : named)
             if (allowed)
                 on << label;
-        QCOMPARE(on.join(' '), enabled);
-        QCOMPARE(int(a.jumper), jumper);
+        QCOMPARE(on.join(' '), row.at(2));
+        const QMap<QString, int> jumpers{{"same", Additions::JumperUnchanged},
+                                         {"off", Additions::JumperOff},
+                                         {"on", Additions::JumperOn}};
+        QCOMPARE(int(a.jumper), jumpers.value(row.at(3), -1));
     }
 
     void addsNeedARootAndRecords()
@@ -569,7 +433,87 @@ private slots:
     }
 
 private:
-    static LeaderWidget* asLeader(CWidget* w) { return qobject_cast<LeaderWidget*>(w); }
+    // Runs the steps on doc; returns the fixture chosen for the add buttons. Steps: add a
+    // "fixture", "jumper" or "leader" (":trough" for the other fixture), a "box", a "receiver" or
+    // an "enabler" (":feedfirst"); select the "parent", the "root", the component "at:0.1" (child
+    // indexes from the root) or "nothing"; "delete" the current component; make the enabler
+    // "feedwise"; "type=", "length=" or "location=" edit the current component ('_' for a space).
+    // "family1": the chosen fixture has family 1. "nobox": the receiver names no junction box,
+    // as an old project may; "63receivers": the most a run holds, each below the one before.
+    const DLFixture* runSteps(ConfigDocument& doc, const QString& steps)
+    {
+        static DLFixture familyOne(QStringLiteral("One"), 1);
+        familyOne.family = 1;
+        const DLFixture* chosen = m_bar;
+        const QMap<QString, int> edits{{"type", PropType}, {"length", PropLength}, {"location", PropLocation}};
+        for (const QString& step : steps.split(' ', Qt::SkipEmptyParts)) {
+            const QString name = step.section(QRegularExpression("[:=]"), 0, 0);
+            const QString arg = step.section(QRegularExpression("[:=]"), 1).replace('_', ' ');
+            DLFixture* fixture = arg == "trough" ? m_trough : m_bar;
+            bool ok = true;
+            if (name == "fixture")
+                ok = doc.addFixture(fixture);
+            else if (name == "jumper")
+                ok = doc.addJumper(fixture);
+            else if (name == "leader")
+                ok = doc.addLeader(fixture);
+            else if (name == "box")
+                ok = doc.addJunctionBox();
+            else if (name == "receiver")
+                ok = doc.addReceiver();
+            else if (name == "enabler")
+                ok = doc.addSupply(arg == "feedfirst" ? m_feedFirst : m_duo);
+            else if (name == "parent")
+                doc.setCurrent(doc.current()->parentWidget());
+            else if (name == "root")
+                doc.setCurrent(doc.root());
+            else if (name == "at") {
+                const CWidget* w = doc.root();
+                for (const QString& index : arg.split('.'))
+                    w = w->child(index.toInt());
+                doc.setCurrent(w);
+            } else if (name == "delete")
+                ok = doc.removeCurrent();
+            else if (name == "nothing")
+                doc.setCurrentIndex(QModelIndex());
+            else if (name == "feedwise")
+                ok = doc.root()->applyEditorValue(PropOutputMode, "Feedwise");
+            else if (edits.contains(name))
+                ok = doc.current()->applyEditorValue(edits.value(name), arg);
+            else if (name == "family1")
+                chosen = &familyOne;
+            else if (name == "nobox")
+                qobject_cast<ReceiverWidget*>(doc.current())->setJunctionBox(QString());
+            else if (name == "63receivers")
+                for (int i = 0; i < 63 && ok; ++i)
+                    ok = doc.addReceiver();
+            if (!QTest::qVerify(ok, qPrintable(step), "", __FILE__, __LINE__))
+                break;
+        }
+        return chosen;
+    }
+
+    // The tree below w, one component a line: its kind, record and properties, a branch
+    // wire's spare count, an enabler's explicit location, a cable's resistance per foot.
+    static QString dump(const ConfigDocument& doc, const CWidget* w, int depth)
+    {
+        QString line = QString(depth * 2, ' ') + (w == doc.current() ? "*" : "") + w->displayName();
+        const QMetaObject* meta = w->metaObject();
+        if (w->catalogItem() && w->catalogItem()->name != w->displayName())
+            line += " record=" + w->catalogItem()->name;
+        for (int i = QObject::staticMetaObject.propertyCount() + 1; i < meta->propertyCount(); ++i)
+            line += QStringLiteral(" %1=%2").arg(meta->property(i).name(), meta->property(i).read(w).toString());
+        if (auto* b = qobject_cast<const BranchWireWidget*>(w))
+            line += QStringLiteral(" spare=%1").arg(b->spare());
+        if (auto* s = qobject_cast<const SupplyWidget*>(w))
+            line += QStringLiteral(" explicitLocation=%1").arg(s->explicitLocation());
+        if (auto* c = qobject_cast<const CableWidget*>(w))
+            line += QStringLiteral(" ohmsPerFoot=%1").arg(c->resistancePerFoot());
+        line += '\n';
+        for (const CWidget* c : w->children())
+            line += dump(doc, c, depth + 1);
+        return line;
+    }
 };
 
 QTEST_GUILESS_MAIN(TestComponents)

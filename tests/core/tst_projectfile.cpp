@@ -1,4 +1,4 @@
-#include "TestSupport.h"
+#include "DataRows.h"
 
 #include "catalog/Database.h"
 #include "catalog/Reporter.h"
@@ -119,40 +119,13 @@ private:
         doc.addJumper(m_bar);
     }
 
-    // Every kind of component, custom cables and a second enabler fed through a Feedwise wire.
-    void buildEveryKind(ConfigDocument& doc)
+    // Every kind of component, custom cables, a second enabler on a Feedwise wire, and texts that
+    // need escaping in the header and in a cable's type.
+    void readEveryKind(ConfigDocument& doc, HeaderValues& header)
     {
-        doc.addSupply(m_duo)->setDynaLineLength(12.5);
-        CWidget* jb0 = doc.addJunctionBox();
-        QVERIFY(jb0 && doc.addLeader(m_bar) && doc.addFixture(m_bar) && doc.addJumper(m_bar)
-                && doc.addFixture(m_bar));
-        doc.setCurrent(jb0);
-        CableWidget* l2 = qobject_cast<CableWidget*>(doc.addLeader(m_trough));
-        CableWidget* j2 =
-            l2 && doc.addFixture(m_trough) ? qobject_cast<CableWidget*>(doc.addJumper(m_trough)) : nullptr;
-        QVERIFY(j2);
-        l2->setType(QStringLiteral("Custom Leader"));
-        l2->setGauge(QStringLiteral("14"));
-        l2->setLength(37.5);
-        j2->setType(QStringLiteral("Custom <&> \"q\""));
-        j2->setLength(7.25);
-        doc.setCurrent(jb0);
-        QVERIFY(doc.addFixture(m_trough));
-        doc.setCurrent(jb0);
-        QVERIFY(doc.addSupply(m_duo) && doc.addLeader(m_bar) && doc.addFixture(m_bar));
-        doc.setCurrent(jb0);
-        CWidget* r1 = doc.addReceiver();
-        QVERIFY(r1);
-        r1->setDynaLineLength(33.25);
-        auto* bw2 = qobject_cast<BranchWireWidget*>(r1->parentWidget());
-        QVERIFY(bw2);
-        bw2->setLocation(QStringLiteral("Underground"));
-        bw2->setLength(123.456);
-        QVERIFY(doc.addFixture(m_bar));
-        doc.setCurrent(r1);
-        QVERIFY(doc.addLeader(m_bar));
-        doc.setCurrent(r1);
-        QVERIFY(doc.addJunctionBox());
+        RecordingReporter rec;
+        QVERIFY(ProjectFile::read(testDataBytes("project/every-kind.rpproj"), doc, header, &rec));
+        QVERIFY(rec.messages.isEmpty() && rec.statusLines.isEmpty());
     }
 
 private slots:
@@ -167,34 +140,14 @@ private slots:
         QVERIFY(m_duo && m_bar && m_trough);
     }
 
-    void names_data()
-    {
-        QTest::addColumn<bool>("extension");
-        QTest::addColumn<QString>("in");
-        QTest::addColumn<QString>("out");
-        QTest::newRow("added") << true << "/x/plan" << "/x/plan.rpproj";
-        QTest::newRow("kept") << true << "/x/plan.rpproj" << "/x/plan.rpproj";
-        QTest::newRow("case-sensitive") << true << "/x/plan.RPPROJ" << "/x/plan.RPPROJ.rpproj";
-        QTest::newRow("last suffix") << true << "/x/plan.rpproj.bak" << "/x/plan.rpproj.bak.rpproj";
-        QTest::newRow("trough A") << false << "Linea Trough Model A Dynaline 6in" << kTrough;
-        QTest::newRow("trough B") << false << "Linea Trough Model B Dynaline 6in"
-                                  << "Linea Trough Model B Dynaline 6in (100v - 120v)";
-        QTest::newRow("tunable 1ft") << false << "Glowbar Tunable Dynaline 1ft" << "Stylebar Tunable Dynaline 1ft";
-        QTest::newRow("tint 1ft") << false << "Glowbar Tint (RGBA/RGBW) Dynaline 1ft"
-                                  << "Stylebar Tint (RGBA/RGBW) Dynaline 1ft";
-        QTest::newRow("tunable 4ft") << false << "Glowbar Tunable Dynaline 4ft" << kBar;
-        QTest::newRow("tint 4ft") << false << "Glowbar Tint (RGBA/RGBW) Dynaline 4ft"
-                                  << "Stylebar Tint (RGBA/RGBW) Dynaline 4ft";
-        QTest::newRow("exact case") << false << "glowbar tunable dynaline 4ft" << "glowbar tunable dynaline 4ft";
-        QTest::newRow("exact spaces") << false << "Glowbar Tunable Dynaline 4ft " << "Glowbar Tunable Dynaline 4ft ";
-    }
-
     void names()
     {
-        QFETCH(bool, extension);
-        QFETCH(QString, in);
-        QFETCH(QString, out);
-        QCOMPARE(extension ? ProjectFile::withExtension(in) : ProjectFile::mapLegacyFixtureName(in), out);
+        // Rows: "extension" or "legacy" (a fixture's old name), the name given, the name used.
+        for (const QStringList& row : dataRows("project/names.tsv")) {
+            const QString used = row.at(0) == "extension" ? ProjectFile::withExtension(row.at(1))
+                                                          : ProjectFile::mapLegacyFixtureName(row.at(1));
+            QCOMPARE(used, row.at(2));
+        }
     }
 
     void layoutOfASmallProject()
@@ -217,41 +170,15 @@ private slots:
         QVERIFY(rec.messages.isEmpty() && !doc.isModified());
     }
 
-    void roundTripEveryKind()
+    void everyKindReadsBackAndMarksEdits()
     {
-        ConfigDocument doc(&m_db);
-        buildEveryKind(doc);
-        if (QTest::currentTestFailed())
-            return;
-        for (int kind = ItemSupply; kind <= ItemJunctionBox; ++kind)
-            QVERIFY2(doc.count(kind) > 0, qPrintable(QStringLiteral("no component of kind %1").arg(kind)));
-
-        // Texts that need escaping, in the header (and a cable's type in buildEveryKind).
-        HeaderValues header = sampleHeader();
-        header.controller = QStringLiteral("A&B <\"x\"> 'y' ]]> tab\there\nnext\r\nline");
-        header.fixture = QStringLiteral("Fixtüre ✓ ß");
-        header.frequency = QStringLiteral("  50 Hz  ");
-
-        const QByteArray first = ProjectFile::toBytes(doc, header);
-        ConfigDocument copy(&m_db);
-        HeaderValues header2;
-        RecordingReporter rec;
-        QVERIFY(ProjectFile::read(first, copy, header2, &rec));
-        QVERIFY(rec.messages.isEmpty() && rec.statusLines.isEmpty());
-        QCOMPARE(ProjectFile::toBytes(copy, header2), first);
-        QVERIFY(!copy.isModified());
-    }
-
-    // Every component read from a file reports its edits: the user is asked to save afterwards.
-    void editsAfterReadingMarkModified()
-    {
-        ConfigDocument doc(&m_db);
-        buildEveryKind(doc);
-        if (QTest::currentTestFailed())
-            return;
         ConfigDocument copy(&m_db);
         HeaderValues header;
-        QVERIFY(ProjectFile::read(ProjectFile::toBytes(doc, sampleHeader()), copy, header, nullptr));
+        readEveryKind(copy, header);
+        QCOMPARE(ProjectFile::toBytes(copy, header), testDataBytes("project/every-kind.rpproj"));
+        QVERIFY(!copy.isModified());
+
+        // Every component read from a file reports its edits: the user is asked to save afterwards.
         QSignalSpy edited(&copy, &ConfigDocument::componentChanged);
         CWidget* deepest = copy.root();
         QVERIFY(deepest);
@@ -272,33 +199,20 @@ private slots:
 
     // The custom values are read only next to "Other", with defaults when absent; the fixture
     // under its present name.
-    void headerOnReading_data()
-    {
-        QTest::addColumn<QString>("attributes");
-        QTest::addColumn<int>("voltage");
-        QTest::addColumn<int>("load");
-        QTest::newRow("defaults") << "LineVoltage=\"Other\" MaxCircuitLoad=\"Other\"" << 120 << 15;
-        QTest::newRow("ignored") << "LineVoltage=\"120\" CustomLineVoltage=\"230\" MaxCircuitLoad=\"20\" "
-                                    "CustomMaxCircuitLoad=\"30\"" << 999 << 999;
-        QTest::newRow("read") << "LineVoltage=\"Other\" CustomLineVoltage=\"230\" MaxCircuitLoad=\"Other\" "
-                                 "CustomMaxCircuitLoad=\"18\" CurrentFixtureName=\"Glowbar Tunable Dynaline 4ft\""
-                              << 230 << 18;
-    }
-
+    // The custom values are read only next to "Other", with defaults when absent; the fixture
+    // under its present name. Rows: the header's attributes, the custom voltage and load read.
     void headerOnReading()
     {
-        QFETCH(QString, attributes);
-        QFETCH(int, voltage);
-        QFETCH(int, load);
-        HeaderValues in;
-        in.customVoltage = in.customLoad = 999;
-        in.controller = QStringLiteral("Keep");
-        ConfigDocument target(&m_db);
-        QVERIFY(ProjectFile::read(project(QString(), attributes), target, in, nullptr));
-        QCOMPARE(in.customVoltage, voltage);
-        QCOMPARE(in.customLoad, load);
-        QCOMPARE(in.controller, QStringLiteral("Keep")); // an empty controller selects nothing
-        QCOMPARE(in.fixture, attributes.contains(QStringLiteral("Glowbar")) ? kBar : QString());
+        for (const QStringList& row : dataRows("project/header-reading.tsv")) {
+            HeaderValues in;
+            in.customVoltage = in.customLoad = 999;
+            in.controller = QStringLiteral("Keep");
+            ConfigDocument target(&m_db);
+            QVERIFY(ProjectFile::read(project(QString(), row.at(0)), target, in, nullptr));
+            QCOMPARE((QList<int>{in.customVoltage, in.customLoad}), (QList<int>{row.at(1).toInt(), row.at(2).toInt()}));
+            QCOMPARE(in.controller, QStringLiteral("Keep")); // an empty controller selects nothing
+            QCOMPARE(in.fixture, row.at(0).contains(QStringLiteral("Glowbar")) ? kBar : QString());
+        }
     }
 
     void readingRules()
@@ -328,23 +242,9 @@ private slots:
     {
         // Under a junction box: fixtures to the front (each in turn), Feedwise wires to the end,
         // the rest in file order. Under a leader fixtures keep their order.
-        auto fixture = [](const QString& name) {
-            return QStringLiteral("<CWidget CWidgetItemType=\"2\" name=\"%1\"/>").arg(name);
-        };
-        auto wire = [](const char* mode, const char* location) {
-            return QStringLiteral("<CWidget CWidgetItemType=\"5\" inputMode=\"%1\" location=\"%2\"/>")
-                .arg(QLatin1String(mode), QLatin1String(location));
-        };
-        const QString leader = QStringLiteral("<CWidget CWidgetItemType=\"1\" fixtureName=\"%1\">%2%3</CWidget>")
-                                   .arg(kBar, fixture(kBar), fixture(kTrough));
-        const QString box = wire("Feedwise", "A") + fixture(kBar) + leader + wire("Dynaline", "B")
-                            + fixture(kTrough) + wire("Feedwise", "C");
         ConfigDocument doc(&m_db);
         HeaderValues h;
-        QVERIFY(ProjectFile::read(project(QStringLiteral("<CWidget CWidgetItemType=\"0\" name=\"Enabler Duo\">"
-                                                         "<CWidget CWidgetItemType=\"6\">%1</CWidget></CWidget>")
-                                              .arg(box)),
-                                  doc, h, nullptr));
+        QVERIFY(ProjectFile::open(testDataPath("project/child-order.rpproj"), doc, h, nullptr));
         QVERIFY(doc.root() && doc.root()->child(0));
         QStringList order;
         for (const CWidget* c : doc.root()->child(0)->children()) {
@@ -366,7 +266,9 @@ private slots:
         QVERIFY(writeFile(dir.filePath(QStringLiteral("blocker")), "old") && writeFile(keep, "old"));
         QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("taken.rpproj")));
         ConfigDocument doc(&m_db);
-        buildEveryKind(doc);
+        HeaderValues everyKind;
+        readEveryKind(doc, everyKind);
+        doc.setModified(true);
         struct rlimit saved {};
         QCOMPARE(getrlimit(RLIMIT_FSIZE, &saved), 0);
         const struct rlimit small{512, saved.rlim_max};
@@ -413,32 +315,20 @@ private slots:
         QFile::setPermissions(locked.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     }
 
-    // Each file opens without a message and replaces the configuration with what it could use:
-    // the header's supply and frequency, and the component kinds in preorder. Only the truncated
-    // one says it was not read whole.
+    // Each file of malformed.tsv opens without a message and replaces the configuration with what
+    // it could use: the header's supply and frequency, and the component kinds in preorder. Only
+    // the truncated one says it was not read whole, and where.
     void malformedCorpus_data()
     {
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<QString>("supply");
-        QTest::addColumn<QString>("frequency");
-        QTest::addColumn<QString>("kinds");
-        QTest::newRow("truncated") << "truncated.rpproj" << "Enabler Duo" << "60 Hz" << "0";
-        QTest::newRow("no frame") << "no-cframe.rpproj" << "Enabler Duo" << "50 Hz" << "";
-        QTest::newRow("two frames, the first") << "two-cframes.rpproj" << "Enabler Duo" << "60 Hz" << "02";
-        QTest::newRow("unknown kinds drop subtrees") << "unknown-kinds.rpproj" << "Enabler Duo" << "60 Hz" << "0562";
-        QTest::newRow("unknown supply") << "unknown-supply.rpproj" << "Retired Enabler" << "60 Hz" << "";
-        QTest::newRow("non-numeric") << "non-numeric.rpproj" << "Enabler Duo" << "60 Hz" << "01232323";
-        QTest::newRow("foreign nodes skipped") << "foreign-nodes.rpproj" << "Enabler Duo" << "60 Hz" << "05622";
-        QTest::newRow("legacy names") << "legacy-names.rpproj" << "Enabler Duo" << "60 Hz" << "01232";
+        QTest::addColumn<QStringList>("row");
+        for (const QStringList& row : dataRows("project/malformed.tsv"))
+            QTest::newRow(qPrintable(row.at(0))) << row;
     }
 
     void malformedCorpus()
     {
-        QFETCH(QString, file);
-        QFETCH(QString, supply);
-        QFETCH(QString, frequency);
-        QFETCH(QString, kinds);
-
+        QFETCH(QStringList, row);
+        const QString kinds = row.value(3);
         ConfigDocument doc(&m_db);
         doc.setTechType(3);
         doc.addSupply(m_db.supplyNamed(QStringLiteral("Enabler Line")));
@@ -446,13 +336,11 @@ private slots:
         header.supply = QStringLiteral("Enabler Line");
         RecordingReporter rec;
         QString notReadWhole = QStringLiteral("stale");
-        QVERIFY(ProjectFile::open(testDataPath(QStringLiteral("project/") + file), doc, header, &rec, &notReadWhole));
+        QVERIFY(ProjectFile::open(testDataPath("project/" + row.at(0)), doc, header, &rec, &notReadWhole));
         QVERIFY(rec.messages.isEmpty() && rec.statusLines.isEmpty());
-        QCOMPARE(notReadWhole.isEmpty(), file != QStringLiteral("truncated.rpproj"));
-        if (!notReadWhole.isEmpty())
-            QVERIFY2(notReadWhole == QStringLiteral("line 6, column 0: Premature end of document"), qPrintable(notReadWhole));
-        QCOMPARE(header.supply, supply);
-        QCOMPARE(header.frequency, frequency);
+        QCOMPARE(notReadWhole, row.value(4));
+        QCOMPARE(header.supply, row.at(1));
+        QCOMPARE(header.frequency, row.at(2));
         QCOMPARE(shape(doc.root()), kinds);
         QCOMPARE(doc.count(ItemAny), kinds.size());
         QCOMPARE(doc.current(), doc.root());
