@@ -1,6 +1,6 @@
 #pragma once
 
-// Set-up shared by the engine's suites: a catalog from tests/data loaded with a reporter that
+// Set-up shared by the suites: files and tables under tests/data, a catalog loaded with a reporter that
 // records its messages, a session (and with it a ConfigDocument) over that catalog, and golden
 // files compared byte for byte.
 
@@ -15,29 +15,70 @@
 #include <QFile>
 #include <QtTest>
 
+#include <csignal>
 #include <memory>
+#include <sys/resource.h>
 
-inline QByteArray testDataBytes(const QString& relative)
+inline QByteArray fileBytes(const QString& path)
 {
-    QFile file(testDataPath(relative));
+    QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// The lines of a file under tests/data, without blank lines and "#" comments.
+inline bool writeFileBytes(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
+}
+
+// Runs f while writes of this process and its children stop after `bytes` (the limit binds root
+// too and stands in for a full disk); false when the limit could not be set.
+template <typename F> bool withFileSizeLimit(rlim_t bytes, F f)
+{
+    struct rlimit saved {};
+    getrlimit(RLIMIT_FSIZE, &saved);
+    const struct rlimit small{bytes, saved.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const bool set = setrlimit(RLIMIT_FSIZE, &small) == 0;
+    if (set)
+        f();
+    setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, handler);
+    return set;
+}
+
+inline QByteArray testDataBytes(const QString& relative)
+{
+    return fileBytes(testDataPath(relative));
+}
+
+// The rows of a table under tests/data: one a line, "#" lines and blank lines skipped. A table
+// without rows fails the test that reads it, so a missing file cannot pass.
 inline QStringList dataLines(const QString& relative)
 {
     QStringList lines = QString::fromUtf8(testDataBytes(relative)).split('\n', Qt::SkipEmptyParts);
     lines.removeIf([](const QString& line) { return line.startsWith('#'); });
+    if (lines.isEmpty())
+        QTest::qFail(qPrintable("no rows in " + relative), __FILE__, __LINE__);
     return lines;
 }
 
-// The fields of a "|"-separated data line, trimmed.
+// A "|"-separated row's fields, trimmed.
 inline QStringList dataFields(const QString& line)
 {
     QStringList fields = line.split(QLatin1Char('|'));
     for (QString& field : fields)
         field = field.trimmed();
     return fields;
+}
+
+// The rows of a tab-separated table.
+inline QList<QStringList> dataRows(const QString& relative)
+{
+    QList<QStringList> rows;
+    for (const QString& line : dataLines(relative))
+        rows << line.split('\t');
+    return rows;
 }
 
 // The golden file's bytes; with RUNPLAN_UPDATE_GOLDEN=1 in the environment the file is first

@@ -6,7 +6,6 @@
 #include "CatalogFixture.h"
 #include "app/Prompter.h"
 #include "app/Runplan.h"
-#include "model/CWidget.h"
 #include "model/CWidgetModel.h"
 
 #include <QAction>
@@ -17,37 +16,6 @@
 #include <QTemporaryDir>
 #include <QVariant>
 
-#include <csignal>
-#include <memory>
-#include <sys/resource.h>
-
-inline QByteArray fileBytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-inline bool writeFileBytes(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
-}
-
-// Runs f while writes of this process and its children stop after `bytes` (the limit binds root
-// too and stands in for a full disk); false when the limit could not be set.
-template <typename F> bool withFileSizeLimit(rlim_t bytes, F f)
-{
-    struct rlimit saved {};
-    getrlimit(RLIMIT_FSIZE, &saved);
-    const struct rlimit small{bytes, saved.rlim_max};
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    const bool set = setrlimit(RLIMIT_FSIZE, &small) == 0;
-    if (set)
-        f();
-    setrlimit(RLIMIT_FSIZE, &saved);
-    std::signal(SIGXFSZ, handler);
-    return set;
-}
 
 // Answers from one queue in the order asked; every question is recorded. With no answer left a
 // question is unexpected, unless answerYes is set: then it gets yes, Discard, or no file.

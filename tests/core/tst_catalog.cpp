@@ -1,7 +1,7 @@
 // Catalog loader, records and per-voltage lookups, driven by the files in tests/data/catalog, by
 // generated hostile documents and by the shipped sample catalog.
 
-#include "DataRows.h"
+#include "CatalogFixture.h"
 
 #include "catalog/DLRecords.h"
 #include "model/CWidget.h"

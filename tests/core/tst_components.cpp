@@ -1,12 +1,7 @@
-#include "DataRows.h"
+#include "CatalogFixture.h"
 
-#include "catalog/Database.h"
-#include "catalog/Reporter.h"
-#include "model/CWidget.h"
 #include "model/CWidgetModel.h"
-#include "model/ConfigDocument.h"
 
-#include <QtTest>
 
 namespace
 {

@@ -1,20 +1,12 @@
-#include "DataRows.h"
+#include "CatalogFixture.h"
 
-#include "catalog/Database.h"
-#include "catalog/Reporter.h"
-#include "model/CWidget.h"
 #include "model/CWidgetModel.h"
-#include "model/ConfigDocument.h"
 #include "model/HeaderChoices.h"
 #include "model/ProjectFile.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
-#include <QtTest>
 
-#include <csignal>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -23,18 +15,6 @@ namespace
 
 const QString kBar = QStringLiteral("Stylebar Tunable Dynaline 4ft");
 const QString kTrough = QStringLiteral("Linea Trough Model A Dynaline 6in (100v - 120v)");
-
-QByteArray readAll(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-bool writeFile(const QString& path, const QByteArray& bytes)
-{
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
-}
 
 // Item kinds of a tree in preorder, one digit each: "0562".
 QString shape(const CWidget* w)
@@ -155,17 +135,17 @@ private slots:
         ConfigDocument doc(&m_db);
         buildSmall(doc);
         const HeaderValues header = sampleHeader();
-        const QByteArray expected = readAll(testDataPath(QStringLiteral("project/small-layout.rpproj")));
+        const QByteArray expected = testDataBytes(QStringLiteral("project/small-layout.rpproj"));
         QCOMPARE(ProjectFile::toBytes(doc, header), expected);
 
         // Saved under the added extension over a longer old file, reported, no longer modified.
         QTemporaryDir dir;
         RecordingReporter rec;
         QString saved;
-        QVERIFY(writeFile(dir.filePath(QStringLiteral("small.rpproj")), QByteArray(4096, 'x')));
+        QVERIFY(writeFileBytes(dir.filePath(QStringLiteral("small.rpproj")), QByteArray(4096, 'x')));
         QVERIFY(ProjectFile::save(dir.filePath(QStringLiteral("small")), doc, header, &rec, &saved));
         QCOMPARE(saved, dir.filePath(QStringLiteral("small.rpproj")));
-        QCOMPARE(readAll(saved), expected);
+        QCOMPARE(fileBytes(saved), expected);
         QCOMPARE(rec.statusLines, QStringList{QStringLiteral("Configuration saved")});
         QVERIFY(rec.messages.isEmpty() && !doc.isModified());
     }
@@ -263,39 +243,37 @@ private slots:
         // (the file-size limit binds root too and stands in for a full disk): the folder stays as it was.
         QTemporaryDir dir;
         const QString keep = dir.filePath(QStringLiteral("keep.rpproj"));
-        QVERIFY(writeFile(dir.filePath(QStringLiteral("blocker")), "old") && writeFile(keep, "old"));
+        QVERIFY(writeFileBytes(dir.filePath(QStringLiteral("blocker")), "old") && writeFileBytes(keep, "old"));
         QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("taken.rpproj")));
         ConfigDocument doc(&m_db);
         HeaderValues everyKind;
         readEveryKind(doc, everyKind);
         doc.setModified(true);
-        struct rlimit saved {};
-        QCOMPARE(getrlimit(RLIMIT_FSIZE, &saved), 0);
-        const struct rlimit small{512, saved.rlim_max};
-        const auto handler = std::signal(SIGXFSZ, SIG_IGN);
         for (const char* name : {"blocker/plan", "taken", "keep"}) {
             const QString path = dir.filePath(QLatin1String(name) + QStringLiteral(".rpproj"));
             RecordingReporter rec;
-            QCOMPARE(setrlimit(RLIMIT_FSIZE, path == keep ? &small : &saved), 0);
-            const bool ok = ProjectFile::save(dir.filePath(QLatin1String(name)), doc, sampleHeader(), &rec);
-            setrlimit(RLIMIT_FSIZE, &saved);
+            bool ok = true;
+            const auto save = [&] { ok = ProjectFile::save(dir.filePath(QLatin1String(name)), doc, sampleHeader(), &rec); };
+            if (path == keep)
+                QVERIFY(withFileSizeLimit(512, save));
+            else
+                save();
             QVERIFY(!ok && doc.isModified());
             const QString text = rec.messages.value(0).text;
             const QString expected = path == keep ? "Failed to save configuration file: " + keep
                                                   : "Cannot open file " + path + ":\n";
             QVERIFY2(rec.messages.size() == 1 && text.startsWith(expected), qPrintable(text));
             QCOMPARE(rec.statusLines, QStringList{QStringLiteral("Failed to save configuration: %1").arg(path)});
-            QCOMPARE(readAll(dir.filePath(QStringLiteral("blocker"))) + readAll(keep), QByteArray("oldold"));
+            QCOMPARE(fileBytes(dir.filePath(QStringLiteral("blocker"))) + fileBytes(keep), QByteArray("oldold"));
             QCOMPARE(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
                      QStringList({"blocker", "keep.rpproj", "taken.rpproj"}));
         }
-        std::signal(SIGXFSZ, handler);
 
         // In a folder that may not be written, a project file that may is overwritten in place; a
         // new file cannot be made there.
         QTemporaryDir locked;
         const QString plan = locked.filePath(QStringLiteral("plan.rpproj"));
-        QVERIFY(writeFile(plan, QByteArray(4096, 'x')));
+        QVERIFY(writeFileBytes(plan, QByteArray(4096, 'x')));
         QVERIFY(QFile::setPermissions(plan, QFile::permissions(plan) | QFileDevice::WriteOther) &&
                 QFile::setPermissions(locked.path(), QFileDevice::ReadOwner | QFileDevice::ExeOwner |
                                                          QFileDevice::ReadOther | QFileDevice::ExeOther));
@@ -304,7 +282,7 @@ private slots:
             RecordingReporter rec;
             return ProjectFile::save(plan, doc, header, &rec) && rec.messages.isEmpty();
         }));
-        QCOMPARE(readAll(plan), ProjectFile::toBytes(doc, header));
+        QCOMPARE(fileBytes(plan), ProjectFile::toBytes(doc, header));
         QVERIFY(asOrdinaryUser([&] {
             RecordingReporter rec;
             return !ProjectFile::save(locked.filePath(QStringLiteral("new")), doc, header, &rec) &&
@@ -394,7 +372,7 @@ private slots:
             rec.clear();
             const bool inCorpus = bytes.startsWith(corpus);
             const QString file = inCorpus ? QString::fromUtf8(bytes) : path;
-            QVERIFY((inCorpus || writeFile(path, bytes)) && !ProjectFile::open(file, doc, header, &rec));
+            QVERIFY((inCorpus || writeFileBytes(path, bytes)) && !ProjectFile::open(file, doc, header, &rec));
             QVERIFY(!doc.isModified());
             QCOMPARE(rec.messages.size(), 1);
             QCOMPARE(rec.messages.at(0).title, QStringLiteral("Open Error"));

@@ -1,20 +1,15 @@
 // The canvas: placement, connectors and boxes checked on rendered pixels, mouse and keys,
 // deletion, the line key and printing.
-#include "TestSupport.h"
+#include "CatalogFixture.h"
 #include "calc/Analysis.h"
 #include "canvas/CFrame.h"
 #include "catalog/DLRecords.h"
-#include "catalog/Database.h"
-#include "catalog/Reporter.h"
-#include "model/CWidget.h"
 #include "model/CWidgetModel.h"
-#include "model/ConfigDocument.h"
 
 #include <QPainter>
 #include <QPrinter>
 #include <QScrollBar>
 #include <QToolTip>
-#include <QtTest>
 
 namespace
 {
@@ -341,8 +336,7 @@ void TestCanvas::printing()
         printer.setOutputFormat(QPrinter::PdfFormat);
         printer.setOutputFileName(dir.filePath(QStringLiteral("canvas.pdf")));
         c.frame.print(&printer);
-        QFile file(printer.outputFileName());
-        return file.open(QIODevice::ReadOnly) ? file.readAll().count("/Type /Page\n") : -1;
+        return fileBytes(printer.outputFileName()).count("/Type /Page\n");
     };
 
     // A wide run is scaled down to one page, keeping its proportions.

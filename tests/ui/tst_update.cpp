@@ -1,11 +1,10 @@
-#include "TestSupport.h"
+#include "CatalogFixture.h"
 #include "update/AutoUpdateTool.h"
 #include "update/UpdateChecker.h"
 
 #include <QHostAddress>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QtTest>
 
 using VxCommonUtils::AutoUpdateTool;
 
@@ -22,12 +21,6 @@ struct RecordingPrompter : UpdatePrompter {
     QStringList prompts;
     bool answerYes = false;
 };
-
-QByteArray readData(const QString& relative)
-{
-    QFile file(testDataPath(relative));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 QStringList g_heard; // what a check reports and logs, line by line
 void recordLog(QtMsgType type, const QMessageLogContext&, const QString& text)
@@ -77,12 +70,12 @@ void TestUpdate::readsVersionFile_data()
     const QDir dir(testDataPath(check));
     for (const QString& name : dir.entryList({QStringLiteral("*.xml")}))
         QTest::newRow(qPrintable(name))
-            << readData(check + name) << check + QFileInfo(name).baseName() + ".out";
+            << testDataBytes(check + name) << check + QFileInfo(name).baseName() + ".out";
     // Hostile replies too large to read (the files hold those nested too deep).
     QTest::newRow("40 000 levels in 280 KB")
         << QByteArray("<a>").repeated(40000) + QByteArray("</a>").repeated(40000) << check + "too-large.out";
     QTest::newRow("newer, but over 64 KiB")
-        << readData(check + "newer-major.xml") + QByteArray(65536, ' ') << check + "too-large.out";
+        << testDataBytes(check + "newer-major.xml") + QByteArray(65536, ' ') << check + "too-large.out";
 }
 
 void TestUpdate::readsVersionFile()
@@ -101,7 +94,7 @@ void TestUpdate::readsVersionFile()
     tool.parseVersionFile(content);
     tool.checkForUpdate(QStringLiteral("RUNPLAN"), UpdateIdentity::ownVersion());
     qInstallMessageHandler(previous);
-    QCOMPARE((g_heard.join('\n') + '\n').toUtf8(), readData(golden));
+    QCOMPARE((g_heard.join('\n') + '\n').toUtf8(), testDataBytes(golden));
 }
 
 void TestUpdate::checkerOverHttp()
@@ -140,7 +133,7 @@ void TestUpdate::checkerOverHttp()
     checker.setTimeout(150);
 
     // Newer, and the user says Yes: the download page opens. Two quick presses send one request.
-    body = readData("update/check/newer-minor.xml");
+    body = testDataBytes("update/check/newer-minor.xml");
     m_prompter.answerYes = true;
     checker.start();
     checker.start();
@@ -153,7 +146,7 @@ void TestUpdate::checkerOverHttp()
     QCOMPARE(requestLines, QList<QByteArray>{"GET /software/VxAppVersions.xml HTTP/1.1"});
 
     // Same version.
-    body = readData("update/check/same-version.xml");
+    body = testDataBytes("update/check/same-version.xml");
     checker.start();
     QTRY_COMPARE_WITH_TIMEOUT(m_prompter.prompts.size(), 2, 5000);
     QCOMPARE(
@@ -163,7 +156,7 @@ void TestUpdate::checkerOverHttp()
     // An HTTP error, an unanswered request and a reply far larger than any version file (refused
     // while it downloads) all end silently, without a download.
     QSignalSpy downloads(checker.tool(), &AutoUpdateTool::fileDownloadSuccess);
-    const QByteArray newer = readData("update/check/newer-major.xml");
+    const QByteArray newer = testDataBytes("update/check/newer-major.xml");
     const QString failed = QStringLiteral("^AUT:handleReply - got error message: ");
     const struct {
         int status;
@@ -192,7 +185,7 @@ void TestUpdate::checkerOverHttp()
 
     // The page a newer version names. Each line of the file: an address and why it is refused,
     // nothing when it is opened. A refused address is not opened and the user is told why.
-    const QString lines = QString::fromUtf8(readData("update/download-addresses.tsv"));
+    const QString lines = QString::fromUtf8(testDataBytes("update/download-addresses.tsv"));
     QCOMPARE(lines.count('\n'), 9);
     for (const QString& line : lines.split('\n', Qt::SkipEmptyParts)) {
         const QString address = line.section('\t', 0, 0);
