@@ -27,22 +27,21 @@ struct Harness : LoadedCatalog {
 
     Harness() : LoadedCatalog(QStringLiteral("calc/export.xml")) {}
 
-    QByteArray exportAll(bool* complete = nullptr)
+    // What an export writes; complete tells whether it ran to the end.
+    QByteArray written(bool (*exporter)(QIODevice&, ExportHost&), bool* complete = nullptr)
     {
         QBuffer buffer;
         buffer.open(QIODevice::WriteOnly);
-        const bool done = CsvExport::exportAllFixtures(buffer, s);
+        const bool done = exporter(buffer, s);
         if (complete)
             *complete = done;
         return buffer.data();
     }
+    QByteArray exportAll(bool* complete = nullptr) { return written(CsvExport::exportAllFixtures, complete); }
     QByteArray exportCurrent(const QString& fixture)
     {
         s.selectFixture(db.fixtureNamed(fixture));
-        QBuffer buffer;
-        buffer.open(QIODevice::WriteOnly);
-        CsvExport::exportCurrentFixture(buffer, s);
-        return buffer.data();
+        return written(CsvExport::exportCurrentFixture);
     }
 };
 
