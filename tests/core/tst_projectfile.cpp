@@ -325,13 +325,8 @@ private slots:
         QCOMPARE(doc.techType(), 3); // not read from the file
         QVERIFY(!doc.isModified());
         QVERIFY(!ComponentLoading::active());
-
-        // Whatever was read can be written and read again to the same bytes.
-        const QByteArray bytes = ProjectFile::toBytes(doc, header);
-        ConfigDocument copy(&m_db);
-        copy.setTechType(3);
-        QVERIFY(ProjectFile::read(bytes, copy, header, &rec));
-        QCOMPARE(ProjectFile::toBytes(copy, header), bytes);
+        // That what was read writes and reads back to the same bytes is checked for every file
+        // here by the fuzz-regression replay.
     }
 
     void refusedFiles()
